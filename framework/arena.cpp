@@ -1,0 +1,104 @@
+#include "framework/arena.h"
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+
+namespace Zelk::MetaData::Detail {
+
+struct Chunk {
+    std::atomic<std::size_t> pieces;
+};
+
+namespace {
+
+constexpr std::size_t smallestChunk = std::size_t{4} << 10;
+constexpr std::size_t largestChunk = std::size_t{64} << 10;
+// A kept piece keeps its chunk: a piece of this size is better off by itself.
+constexpr std::size_t largestPiece = largestChunk / 4;
+
+struct PieceHead {
+    Chunk* chunk;
+};
+
+constexpr std::size_t roundUp(std::size_t size)
+{
+    return (size + alignof(PieceHead) - 1) & ~(alignof(PieceHead) - 1);
+}
+
+constexpr std::size_t workingCount = ~std::size_t{0} / 2;
+
+void release(Chunk* chunk, std::size_t pieces) noexcept
+{
+    // Whoever holds all that is left is alone with the chunk and needs no atomic subtraction.
+    if (chunk->pieces.load(std::memory_order_acquire) == pieces ||
+        chunk->pieces.fetch_sub(pieces, std::memory_order_acq_rel) == pieces) {
+        chunk->~Chunk();
+        ::operator delete(chunk);
+    }
+}
+
+} // namespace
+
+Arena::Arena(std::size_t expected) noexcept : chunkSize_(std::clamp(expected, smallestChunk, largestChunk)) {}
+
+Arena::~Arena()
+{
+    leaveChunk();
+}
+
+void* Arena::allocate(std::size_t size)
+{
+    size = roundUp(size) + sizeof(PieceHead);
+    if (size > largestPiece)
+        return allocatePiece(nullptr, size - sizeof(PieceHead));
+    if (size > static_cast<std::size_t>(end_ - cursor_))
+        startChunk(size);
+    auto* piece = new (cursor_) PieceHead{chunk_};
+    cursor_ += size;
+    ++handedOut_;
+    return piece + 1;
+}
+
+bool Arena::trim(void* end, void* unused) noexcept
+{
+    if (end != cursor_)
+        return false;
+    cursor_ = static_cast<char*>(unused);
+    return true;
+}
+
+void Arena::startChunk(std::size_t needed)
+{
+    std::size_t const size = std::max(chunkSize_, sizeof(Chunk) + needed);
+    auto* memory = static_cast<char*>(::operator new(size));
+    leaveChunk();
+    chunk_ = new (memory) Chunk{{workingCount}};
+    cursor_ = memory + sizeof(Chunk);
+    end_ = memory + size;
+}
+
+void Arena::leaveChunk() noexcept
+{
+    if (chunk_ != nullptr)
+        release(chunk_, workingCount - handedOut_);
+    handedOut_ = 0;
+}
+
+void* allocatePiece(Arena* arena, std::size_t size)
+{
+    if (arena != nullptr)
+        return arena->allocate(size);
+    return new (::operator new(sizeof(PieceHead) + size)) PieceHead{nullptr} + 1;
+}
+
+void releasePiece(void* piece) noexcept
+{
+    PieceHead* const head = static_cast<PieceHead*>(piece) - 1;
+    if (head->chunk == nullptr)
+        ::operator delete(head);
+    else
+        release(head->chunk, 1);
+}
+
+} // namespace Zelk::MetaData::Detail

@@ -1,0 +1,160 @@
+/// Looking through JSON strings many bytes at a time.
+///
+/// The only processor intrinsics of the library stand here, beside a portable form that does the same; the
+/// build option ZELK_PORTABLE_SCAN chooses it everywhere.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__) && !defined(ZELK_PORTABLE_SCAN)
+#include <emmintrin.h>
+#define ZELK_SCAN_SSE2
+#endif
+
+namespace Zelk::Json::Detail {
+
+/// Whether a byte cannot stand in a JSON string as it is and without a further look: a quote, a backslash, a
+/// control character, or a byte of a character beyond ASCII.
+constexpr bool isSpecial(unsigned char byte) noexcept
+{
+    return byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\';
+}
+
+/// Eight bytes at once.
+struct Word {
+    static constexpr std::size_t size = 8;
+    static constexpr std::uint64_t ones = 0x0101010101010101;
+    static constexpr std::uint64_t highs = 0x8080808080808080;
+
+    explicit Word(char const* text) noexcept { std::memcpy(&bits, text, size); }
+    void copyTo(char* out) const noexcept { std::memcpy(out, &bits, size); }
+
+    /// Whether any of the eight bytes is special. (A byte with its high bit set is special anyway, so the
+    /// usual doubt about borrows in such bytes does not matter.)
+    bool hasSpecial() const noexcept
+    {
+        std::uint64_t const quote = bits ^ (ones * '"');
+        std::uint64_t const backslash = bits ^ (ones * '\\');
+        std::uint64_t const found = (bits - ones * 0x20) | (quote - ones) | (backslash - ones) | bits;
+        return (found & highs) != 0;
+    }
+
+    std::uint64_t bits;
+};
+
+#ifdef ZELK_SCAN_SSE2
+
+/// Sixteen bytes at once.
+struct Block {
+    static constexpr std::size_t size = 16;
+
+    explicit Block(char const* text) noexcept : bits(_mm_loadu_si128(reinterpret_cast<__m128i const*>(text)))
+    {}
+    void copyTo(char* out) const noexcept { _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bits); }
+
+    /// One bit a byte, lowest first, set where the byte is special.
+    unsigned int specials() const noexcept
+    {
+        // A signed comparison finds control characters and bytes from 0x80 on in one.
+        __m128i const outside = _mm_cmplt_epi8(bits, _mm_set1_epi8(0x20));
+        __m128i const quote = _mm_cmpeq_epi8(bits, _mm_set1_epi8('"'));
+        __m128i const backslash = _mm_cmpeq_epi8(bits, _mm_set1_epi8('\\'));
+        return static_cast<unsigned int>(
+            _mm_movemask_epi8(_mm_or_si128(outside, _mm_or_si128(quote, backslash))));
+    }
+    bool hasSpecial() const noexcept { return specials() != 0; }
+    std::size_t firstSpecial() const noexcept { return static_cast<std::size_t>(__builtin_ctz(specials())); }
+
+    __m128i bits;
+};
+
+#else
+
+struct Block {
+    static constexpr std::size_t size = 16;
+
+    explicit Block(char const* text) noexcept : low(text), high(text + Word::size) {}
+    void copyTo(char* out) const noexcept
+    {
+        low.copyTo(out);
+        high.copyTo(out + Word::size);
+    }
+    bool hasSpecial() const noexcept { return low.hasSpecial() || high.hasSpecial(); }
+    std::size_t firstSpecial() const noexcept
+    {
+        char bytes[size];
+        copyTo(bytes);
+        std::size_t index = 0;
+        while (!isSpecial(static_cast<unsigned char>(bytes[index])))
+            ++index;
+        return index;
+    }
+
+    Word low;
+    Word high;
+};
+
+#endif
+
+/// The first special byte in a text, or its end.
+inline char const* findSpecial(char const* text, char const* end) noexcept
+{
+    for (; static_cast<std::size_t>(end - text) >= Block::size; text += Block::size) {
+        Block const block(text);
+        if (block.hasSpecial())
+            return text + block.firstSpecial();
+    }
+    if (static_cast<std::size_t>(end - text) >= Word::size && !Word(text).hasSpecial())
+        text += Word::size;
+    while (text != end && !isSpecial(static_cast<unsigned char>(*text)))
+        ++text;
+    return text;
+}
+
+/// Steps over characters beyond ASCII, of which `text` begins with at least one byte, up to the first ASCII
+/// byte or the end. `bad` tells the first byte that cannot continue well-formed UTF-8, the end if the text
+/// ends within a character, or null when all is well.
+inline char const* skipUtf8(char const* text, char const* end, char const*& bad) noexcept
+{
+    auto const byteAt = [](char const* at) { return static_cast<unsigned char>(*at); };
+    while (text != end && byteAt(text) >= 0x80) {
+        unsigned char const lead = byteAt(text);
+        // The second byte's range keeps out overlong forms, surrogates, and all beyond U+10FFFF.
+        unsigned char low = 0x80;
+        unsigned char high = 0xBF;
+        std::size_t length = 0;
+        if (lead >= 0xC2 && lead <= 0xDF) {
+            length = 2;
+        } else if (lead >= 0xE0 && lead <= 0xEF) {
+            length = 3;
+            if (lead == 0xE0)
+                low = 0xA0;
+            else if (lead == 0xED)
+                high = 0x9F;
+        } else if (lead >= 0xF0 && lead <= 0xF4) {
+            length = 4;
+            if (lead == 0xF0)
+                low = 0x90;
+            else if (lead == 0xF4)
+                high = 0x8F;
+        } else {
+            bad = text;
+            return text;
+        }
+        for (std::size_t i = 1; i < length; ++i) {
+            if (text + i == end || byteAt(text + i) < low || byteAt(text + i) > high) {
+                bad = text + i;
+                return text;
+            }
+            low = 0x80;
+            high = 0xBF;
+        }
+        text += length;
+    }
+    bad = nullptr;
+    return text;
+}
+
+} // namespace Zelk::Json::Detail
