@@ -25,7 +25,7 @@ public:
     PartiallySerializableInterface() = default;
     PartiallySerializableInterface(PartiallySerializableInterface const&) = default;
     PartiallySerializableInterface& operator=(PartiallySerializableInterface const&) = default;
-    virtual ~PartiallySerializableInterface() = 0;
+    virtual ~PartiallySerializableInterface();
 
     /// Writes itself into `target`.
     virtual void copyToMetaData(Element& target) const = 0;

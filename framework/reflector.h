@@ -27,7 +27,7 @@ namespace Zelk::MetaData {
 
 /// The value of a field and its way to and from the tree. Only the form with the flag `true` exists.
 template <typename T, bool Flag>
-class ReflectorNoWriteParend;
+class ZELK_EXPORT ReflectorNoWriteParend; // marked here too: clang++ goes by the first declaration alone
 
 /// A field that is read by a call and written by assignment.
 template <typename T>
@@ -72,7 +72,7 @@ private:
 /// The fields that records declare. With WriteThrough a call on a field that is not const gives its value for
 /// modification. Only the forms with the last flag `true` exist.
 template <typename T, bool WriteThrough, bool Flag>
-class Reflector;
+class ZELK_EXPORT Reflector;
 
 /// A field whose value changes by assignment only.
 template <typename T>

@@ -61,28 +61,32 @@ struct Values;
 
 template <>
 struct Values<bool> {
-    static constexpr char const* kind = "true";
+    static constexpr char const* typeName = "bool";
+    static constexpr char const* form = "true";
     static bool standard() { return false; }
     static bool other() { return true; }
 };
 
 template <>
 struct Values<double> {
-    static constexpr char const* kind = "2.5";
+    static constexpr char const* typeName = "double";
+    static constexpr char const* form = "2.5";
     static double standard() { return 0.0; }
     static double other() { return 2.5; }
 };
 
 template <>
 struct Values<long long> {
-    static constexpr char const* kind = "-4";
+    static constexpr char const* typeName = "long_long";
+    static constexpr char const* form = "-4";
     static long long standard() { return 0; }
     static long long other() { return -4; }
 };
 
 template <>
 struct Values<std::string> {
-    static constexpr char const* kind = "\"Running\"";
+    static constexpr char const* typeName = "string";
+    static constexpr char const* form = "\"Running\"";
     static std::string standard() { return ""; }
     static std::string other() { return "Running"; }
 };
@@ -93,7 +97,7 @@ protected:
     MirroredObject owner;
     Field<T> optional{&owner, "k", false};
     Field<T> required{&owner, "r", true};
-    std::string const object = std::string("{\"k\":") + Values<T>::kind + ",\"r\":" + Values<T>::kind + "}";
+    std::string const object = std::string("{\"k\":") + Values<T>::form + ",\"r\":" + Values<T>::form + "}";
 
     /// The value, whether the field is set or not.
     static T valueOf(Field<T>& field)
@@ -108,7 +112,14 @@ protected:
 };
 
 using ValueTypes = testing::Types<bool, double, long long, std::string>;
-TYPED_TEST_SUITE(FieldOf, ValueTypes);
+struct TypeNames {
+    template <typename T>
+    static std::string GetName(int)
+    {
+        return Values<T>::typeName;
+    }
+};
+TYPED_TEST_SUITE(FieldOf, ValueTypes, TypeNames);
 
 TYPED_TEST(FieldOf, StartsSetExactlyWhenItIsRequired)
 {
@@ -147,7 +158,7 @@ TYPED_TEST(FieldOf, IsSetByAssignmentOfAValue)
 TYPED_TEST(FieldOf, WritesItsValueUnderItsKey)
 {
     this->optional = Values<TypeParam>::other();
-    EXPECT_EQ(written(this->optional), std::string("{\"k\":") + Values<TypeParam>::kind + "}");
+    EXPECT_EQ(written(this->optional), std::string("{\"k\":") + Values<TypeParam>::form + "}");
 }
 
 TYPED_TEST(FieldOf, WritesOverAMemberOfAnyKind)
@@ -157,7 +168,7 @@ TYPED_TEST(FieldOf, WritesOverAMemberOfAnyKind)
         SCOPED_TRACE(former);
         Element target = tree(std::string("{\"k\":") + former + "}");
         this->optional.copyToMetaData(target);
-        EXPECT_EQ(target, tree(std::string("{\"k\":") + Values<TypeParam>::kind + "}"));
+        EXPECT_EQ(target, tree(std::string("{\"k\":") + Values<TypeParam>::form + "}"));
     }
 }
 
@@ -191,7 +202,7 @@ TYPED_TEST(FieldOf, IsUnsetWithItsDefaultAfterReadingWhatDoesNotFit)
         {"floating-point", "1.5"}, {"string", "\"true\""}, {"object", "{\"k\":true}"},
         {"empty object", "{}"},    {"array", "[true]"},    {"empty array", "[]"},
     };
-    unsigned int const own = tree(Values<TypeParam>::kind).GetElementType();
+    unsigned int const own = tree(Values<TypeParam>::form).GetElementType();
     for (auto const& [name, member] : cases) {
         if (tree(member).GetElementType() == own)
             continue;
