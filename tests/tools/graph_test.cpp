@@ -1,0 +1,134 @@
+#include "tests/tools/process.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+using namespace ZelkTest;
+using testing::HasSubstr;
+
+namespace {
+
+std::string const door = ZELK_EXAMPLES_DIR "/conversations/door.jsonl";
+
+std::string transition(std::string const& from, std::string const& event, int id, std::string const& to)
+{
+    return R"({"name":"t","transition_id":1,"startstate":")" + from + R"(","endState":")" + to +
+           R"(","eventname":")" + event + R"(","eventid":)" + std::to_string(id) + "}";
+}
+
+std::string space(std::string const& transitions)
+{
+    return R"({"header":"machine","body":{"id":-9,"statelist":[)" + transitions + "]}}\n";
+}
+
+Result graph(std::string const& input, std::vector<std::string> arguments = {})
+{
+    arguments.insert(arguments.begin(), "graph");
+    Setting setting;
+    setting.input = input;
+    return zelkMsg(arguments, setting);
+}
+
+} // namespace
+
+TEST(Graph, DrawsTheStateSpaceOfAConversation)
+{
+    Result const result = zelkMsg({"graph", door});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, expected("graph-door.dot"));
+}
+
+TEST(Graph, DrawsEveryTransitionOfOneAndTheSamePair)
+{
+    Result const result = graph(space(transition("A", "x", 1, "B") + "," + transition("A", "y", 2, "B") +
+                                      "," + transition("A", "z", 3, "A")));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("s0 -> s1 [label=\" x \\n 1 t \"]"));
+    EXPECT_THAT(result.out, HasSubstr("s0 -> s1 [label=\" y \\n 1 t \"]"));
+    EXPECT_THAT(result.out, HasSubstr("s0 -> s0 [label=\" z \\n 1 t \"]"));
+}
+
+TEST(Graph, EscapesWhatTheDrawingLanguageWouldInterpret)
+{
+    Result const result = graph(space(transition(R"(\"]; \\N <b> &amp; \n\u0001)", R"(a\"b)", 1, "B")));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr(R"(s0 [label="\"]; \\N <b> &amp;amp; \\n\\x01"])"));
+    EXPECT_THAT(result.out, HasSubstr(R"(label=" a\"b \n 1 t ")"));
+    Setting setting;
+    setting.input = result.out;
+    Result const dot = run({"dot", "-Tplain"}, setting);
+    EXPECT_EQ(dot.status, 0);
+    EXPECT_EQ(dot.err, "");
+}
+
+TEST(Graph, DrawsAnEmptyStateSpace)
+{
+    Result const result = graph(space(""));
+    EXPECT_EQ(result.status, 0);
+    Setting setting;
+    setting.input = result.out;
+    EXPECT_EQ(run({"dot", "-Tplain"}, setting).out, "graph 1 0 0\nstop\n");
+}
+
+TEST(Graph, WritesAnSvgFile)
+{
+    TemporaryFile const file;
+    Result const result = zelkMsg({"graph", "--svg", file.path(), door});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "");
+    std::string const svg = contentOf(file.path());
+    for (char const* const part : {"<svg ", ">EmergencyOpen</text>", "unlock(pin: string)", "</svg>"})
+        EXPECT_NE(svg.find(part), std::string::npos) << part;
+}
+
+TEST(Graph, SaysSoWhenGraphvizIsMissing)
+{
+    Setting setting;
+    setting.environment["PATH"] = "/nonexistent";
+    Result const result = zelkMsg({"graph", "--svg", "/nonexistent/x.svg", door}, setting);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err,
+              "zelk-msg: --svg needs the program dot, which is not installed (Debian has it in the package "
+              "graphviz); without --svg the drawing is printed in its language\n");
+}
+
+TEST(Graph, ReportsThatTheSvgFileCannotBeWritten)
+{
+    Result const result = zelkMsg({"graph", "--svg", "/nonexistent/x.svg", door});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_THAT(result.err, HasSubstr("zelk-msg: dot failed, /nonexistent/x.svg was not drawn\n"));
+}
+
+TEST(Graph, SaysSoWhenThereIsNoStateSpace)
+{
+    Result const result = graph(R"({"clientname":"ui","commandid":0,"id":-10})");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zelk-msg: <stdin>: no state space in it (StateSpaceMetaDataResponse)\n");
+}
+
+TEST(Graph, ReportsRefusedMessagesAndDrawsTheRest)
+{
+    Result const result = graph("{\n" + space(transition("A", "x", 1, "B")));
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err,
+              "<stdin>:1:2: not JSON: expected a member name in quotes, found the end of the text\n");
+    EXPECT_THAT(result.out, HasSubstr("digraph \"machine\""));
+}
+
+TEST(Graph, DrawsTheLastStateSpaceUnlessToldOtherwise)
+{
+    std::string const two = space(transition("A", "x", 1, "B")) + space(transition("C", "x", 1, "D"));
+    Result const last = graph(two);
+    EXPECT_EQ(last.status, 0);
+    EXPECT_EQ(last.err,
+              "zelk-msg: <stdin>: 2 state spaces, the last one is drawn (--number chooses another)\n");
+    EXPECT_THAT(last.out, HasSubstr("[label=\"C\"]"));
+    Result const first = graph(two, {"--number", "1"});
+    EXPECT_EQ(first.err, "");
+    EXPECT_THAT(first.out, HasSubstr("[label=\"A\"]"));
+    Result const third = graph(two, {"--number", "3"});
+    EXPECT_EQ(third.status, 2);
+    EXPECT_EQ(third.err, "zelk-msg: <stdin>: there are only 2 state spaces\n");
+}

@@ -1,0 +1,254 @@
+#include "tests/tools/process.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace ZelkTest;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+std::string const conversations = ZELK_EXAMPLES_DIR "/conversations";
+std::string const good = R"({"clientname":"ui","commandid":0,"id":-10})";
+
+/// `show` of a text on standard input.
+Result show(std::string const& input, std::vector<std::string> arguments = {})
+{
+    arguments.insert(arguments.begin(), "show");
+    Setting setting;
+    setting.input = input;
+    return zelkMsg(arguments, setting);
+}
+
+} // namespace
+
+TEST(Show, ShowsAConversationAndAcceptsAllOfIt)
+{
+    Setting setting;
+    setting.folder = conversations;
+    Result const result = zelkMsg({"show", "door.jsonl"}, setting);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, expected("show-door.txt"));
+}
+
+TEST(Show, ShowsRefusedMessagesWithTheReasonAndGoesOn)
+{
+    Result const result = zelkMsg({"show", "refused.jsonl"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, expected("show-refused.txt"));
+    EXPECT_EQ(result.err, expected("show-refused.err"));
+}
+
+struct Layout {
+    char const* name;
+    std::string text;
+    int messages;
+};
+
+void PrintTo(Layout const& layout, std::ostream* stream)
+{
+    *stream << layout.name;
+}
+
+class ShowReadsEveryLayout : public testing::TestWithParam<Layout> {};
+
+TEST_P(ShowReadsEveryLayout, AcceptsAllMessages)
+{
+    Result const result = show(GetParam().text);
+    EXPECT_EQ(result.status, 0) << result.err;
+    int messages = 0;
+    for (std::size_t at = 0; (at = result.out.find("NormalGlobalEventCommand", at)) != std::string::npos;
+         ++at)
+        ++messages;
+    EXPECT_EQ(messages, GetParam().messages) << result.out;
+}
+
+std::string const pretty = "{\n  \"clientname\": \"ui\",\n  \"commandid\": 0,\n  \"id\": -10\n}";
+
+INSTANTIATE_TEST_SUITE_P(
+    Layouts, ShowReadsEveryLayout,
+    testing::Values(Layout{"Nothing", "", 0}, Layout{"BlankLines", "\n \n\r\n\t\n", 0},
+                    Layout{"OneLine", good + "\n", 1}, Layout{"NoLineEndAtTheEnd", good + "\n" + good, 2},
+                    Layout{"CarriageReturnLineFeed", good + "\r\n" + good + "\r\n", 2},
+                    Layout{"CarriageReturnOnly", good + "\r" + good + "\r", 2},
+                    Layout{"BlankLinesBetween", "\n" + good + "\n\n\n" + good + "\n", 2},
+                    Layout{"ByteOrderMark", "\xEF\xBB\xBF" + good + "\n", 1},
+                    Layout{"OneAfterTheOtherOnALine", good + good + " " + good + "\n", 3},
+                    Layout{"Indented", pretty + "\n" + pretty + "\n", 2},
+                    Layout{"IndentedWithoutSpaceBetween", pretty + pretty, 2},
+                    Layout{"LinesThenIndented", good + "\n" + pretty + "\n" + good + "\n", 3},
+                    Layout{"Array", "[" + good + "," + good + "]", 2},
+                    Layout{"ArrayWithAnElementALine", "[\n" + good + ",\n" + good + "\n]\n", 2},
+                    Layout{"IndentedArray", "[\n  " + good + ",\n  " + pretty + "\n]\n", 2},
+                    Layout{"EmptyArray", "[]", 0},
+                    Layout{"ArrayThenLine", "[" + good + "]\n" + good + "\n", 2}),
+    [](auto const& one) { return one.param.name; });
+
+TEST(Show, KeepsReadingRecordsThatBeginTheirLines)
+{
+    std::string const text = "{\"header\":\"h\",\"body\":{\"id\":-1,\"eventlist\":[\n"
+                             "{\"name\":\"a\",\"id\":1},\n"
+                             "{\"name\":\"b\",\"id\":2}\n"
+                             "]}}\n";
+    Result const result = show(text + good + "\n");
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:1  MetaDataResponse"));
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:5  NormalGlobalEventCommand<-10>"));
+}
+
+struct Damage {
+    char const* name;
+    std::string text;
+    std::string errors;
+    char const* good; ///< the beginning of the view of a good message behind the damage
+};
+
+void PrintTo(Damage const& damage, std::ostream* stream)
+{
+    *stream << damage.name;
+}
+
+class ShowSurvivesDamage : public testing::TestWithParam<Damage> {};
+
+TEST_P(ShowSurvivesDamage, ReportsItOnceAndReadsWhatFollows)
+{
+    Result const result = show(GetParam().text);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, GetParam().errors);
+    EXPECT_THAT(result.out, HasSubstr(GetParam().good));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Damages, ShowSurvivesDamage,
+    testing::Values(
+        Damage{"LineCutOffAfterAMember", "{\"clientname\":\"ui\",\"commandid\":0\n" + good + "\n",
+               "<stdin>:1:33: not JSON: expected ',' or '}', found the end of the text\n",
+               "<stdin>:2  Normal"},
+        Damage{"LineCutOffAfterAComma", "{\"clientname\":\"ui\",\n" + good + "\n",
+               "<stdin>:1:20: not JSON: expected a member name in quotes, found the end of the text\n",
+               "<stdin>:2  Normal"},
+        Damage{"LineCutOffInAString", "{\"clientname\":\"u\n" + good + "\n",
+               "<stdin>:1:17: not JSON: expected '\"' at the end of a string, found the end of the text\n",
+               "<stdin>:2  Normal"},
+        Damage{"LineCutOffInAList",
+               "{\"clientname\":\"ui\",\"commandid\":0,\"eventlist\":{\"ids\":[7,\n" + good + "\n",
+               "<stdin>:1:56: not JSON: expected a value, found the end of the text\n", "<stdin>:2  Normal"},
+        Damage{"LineWithoutItsBeginning", "\"ui\",\"commandid\":0}\n" + good + "\n",
+               "<stdin>:1:5: not JSON: expected the end of the text, found ','\n", "<stdin>:2  Normal"},
+        Damage{"TooManyBrackets", good + "}\n" + good + "\n",
+               "<stdin>:1:43: not JSON: expected the end of the text, found '}'\n", "<stdin>:2  Normal"},
+        Damage{"WordsBetweenMessages", "starting\n" + good + "\n",
+               "<stdin>:1:1: not JSON: expected a value, found 's'\n", "<stdin>:2  Normal"},
+        Damage{"BrokenElementOfAnArray", "[\n  {\"clientname\":\"u},\n  " + good + "\n]\n",
+               "<stdin>:2:21: not JSON: expected '\"' at the end of a string, found the end of the text\n",
+               "<stdin>:3  Normal"},
+        Damage{"ArrayNotClosed", "[" + good + ",\n", "<stdin>:2:1: the array of messages is not closed\n",
+               "<stdin>:1  Normal"},
+        Damage{"ZeroBytes", std::string(3, '\0') + "\n" + good + "\n",
+               "<stdin>:1:1: not JSON: expected a value, found byte 0x00\n", "<stdin>:2  Normal"}),
+    [](auto const& one) { return one.param.name; });
+
+TEST(Show, ReadsALineThatIsLongerThanItsBuffer)
+{
+    std::string const name(700000, 'n');
+    Result const result =
+        show("{\"clientname\":\"" + name + "\",\"commandid\":0,\"id\":-10}\n" + good + "\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("clientname  " + name + "\n"));
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:2  NormalGlobalEventCommand<-10>"));
+}
+
+TEST(Show, ReadsEveryFileAndStandardInput)
+{
+    TemporaryFile const file(good + "\n");
+    Result const result = show(good, {file.path(), "-"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr(file.path() + ":1  Normal"));
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:1  Normal"));
+}
+
+TEST(Show, ReadsTheOtherFilesWhenOneIsMissing)
+{
+    Result const result = show(good, {"no-such-file", "/", "-"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zelk-msg: no-such-file: No such file or directory\nzelk-msg: /: Is a directory\n");
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:1  Normal"));
+}
+
+TEST(Show, KeepsTheTerminalSafeFromWhatNamesContain)
+{
+    Result const result =
+        show("{\"clientname\":\"\\u001b[31mred\\u202e\\u0085 \\\"x\\\"\",\"commandid\":0,\"id\":-10}\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr(R"(clientname  "\u001b[31mred\u202e\u0085 \"x\"")"));
+}
+
+TEST(Show, ShowsMembersThatTheClassDoesNotKnow)
+{
+    Result const result = show(R"({"clientname":"ui","commandid":0,"id":-10,"urgent":{"by":3}})");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("    unknown members\n"
+                                      "        member   value\n"
+                                      "        /urgent  {\"by\":3}\n"));
+}
+
+TEST(Show, TellsEveryKindByItsEnvelopeIdAndMembers)
+{
+    struct Case {
+        char const* text;
+        char const* kind;
+    };
+    Case const cases[] = {
+        {R"({"clientname":"c","commandid":1})", "StateCommand  command"},
+        {R"({"clientname":"c","commandid":1,"id":5})", "StateCommandWithEventId  command"},
+        {R"({"clientname":"c","commandid":1,"id":-6.9})", "NormalGlobalEventCommand<-6>  command"},
+        {R"({"clientname":"c","commandid":1,"id":4294967293,"value":1})", "EnableLogModeCommand  command"},
+        {R"({"clientname":"c","commandid":1,"eventlist":{"ids":[]},"filterlist":{"type":[],"freq":[]}})",
+         "RegisterCommand  command"},
+        {R"({"clientname":"c","commandid":1,"filterlist":{"freq":[],"type":[]}})", "RegisterCommand  command"},
+        {R"({"clientname":"c","commandid":1,"eventlist":{"ids":[1.5,true]}})", "UnregisterCommand  command"},
+        {R"({"header":"","body":{"id":5}})", "StateResponse  response"},
+        {R"({"header":"","body":{"id":4294967287,"statelist":[]}})", "StateSpaceMetaDataResponse  response"},
+        {R"({"header":"","body":{"id":-7,"statelist":3}})", "XmlAttrToEventMappingResponse  response"},
+        {R"({"SenderID":[],"Data":{"StateName":"S"}})", "InfoResponse  response"},
+        {R"({"AttribInfo":true})", "InfoRequestData  record"},
+        {R"({"StateName":"S"})", "InfoResponseData  record"},
+        {R"({"name":"n","version":"1"})", "InfraMetaDataAppInfo  record"},
+    };
+    for (Case const& one : cases) {
+        Result const result = show(one.text);
+        EXPECT_EQ(result.status, 0) << one.text << "\n" << result.err;
+        EXPECT_THAT(result.out, HasSubstr(std::string("<stdin>:1  ") + one.kind)) << one.text;
+    }
+}
+
+TEST(Show, UsesColoursOnlyWhenAsked)
+{
+    EXPECT_THAT(show(good).out, Not(HasSubstr("\033[")));
+    EXPECT_THAT(show(good, {"--color", "never"}).out, Not(HasSubstr("\033[")));
+    EXPECT_THAT(show(good, {"--color=always"}).out, HasSubstr("\033[1mNormalGlobalEventCommand<-10>\033[0m"));
+}
+
+TEST(Show, ReportsAnOutputThatCannotBeWritten)
+{
+    Setting setting;
+    setting.input = good;
+    Result const result = run({"sh", "-c", ZELK_MSG_PATH " show > /dev/full"}, setting);
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zelk-msg: standard output: No space left on device\n");
+}
+
+TEST(Show, EndsQuietlyWhenNobodyReadsItsOutput)
+{
+    Setting setting;
+    for (int i = 0; i < 20000; ++i)
+        setting.input += good + "\n";
+    Result const result = run({"sh", "-c", ZELK_MSG_PATH " show | head -n 1"}, setting);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, "<stdin>:1  NormalGlobalEventCommand<-10>  command\n");
+}

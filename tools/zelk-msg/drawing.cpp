@@ -1,0 +1,170 @@
+#include "tools/zelk-msg/drawing.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace ZelkMsg {
+
+namespace {
+
+/// Text with control characters replaced by what they are called, for languages that have no escape for them.
+std::string withoutControls(std::string_view text)
+{
+    constexpr char digits[] = "0123456789abcdef";
+    std::string result;
+    for (char const c : text) {
+        auto const byte = static_cast<unsigned char>(c);
+        if (c == '\n')
+            result += "\\n";
+        else if (byte < 0x20 || byte == 0x7F)
+            result.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+        else
+            result += c;
+    }
+    return result;
+}
+
+/// "open(force: int)"
+std::string eventText(StateGraph::Transition const& transition)
+{
+    return transition.parameter.empty() ? transition.event
+                                        : transition.event + '(' + transition.parameter + ')';
+}
+
+/// "3 opening": the transition itself, below its event.
+std::string transitionText(StateGraph::Transition const& transition)
+{
+    std::string const id = std::to_string(transition.id);
+    return transition.name.empty() ? id : id + ' ' + transition.name;
+}
+
+std::string stateId(std::size_t index)
+{
+    return "s" + std::to_string(index);
+}
+
+/// Text for a quoted string of Graphviz, which knows escapes of its own and entities of HTML in it.
+std::string dotText(std::string_view text)
+{
+    std::string result;
+    for (char const c : withoutControls(text)) {
+        if (c == '"' || c == '\\')
+            result += '\\';
+        if (c == '&')
+            result += "&amp;";
+        else
+            result += c;
+    }
+    return result;
+}
+
+/// Text for Mermaid labels: what has a meaning there is written as its number.
+std::string mermaidText(std::string_view text)
+{
+    std::string result;
+    for (char const c : withoutControls(text)) {
+        bool const special = std::string_view("\"#;:<>{}[]()&`%\\|*_~").find(c) != std::string_view::npos;
+        if (special)
+            result += '#' + std::to_string(static_cast<unsigned char>(c)) + ';';
+        else
+            result += c;
+    }
+    // An empty label would end the line too early.
+    return result.empty() ? "#8203;" : result;
+}
+
+/// Text for PlantUML labels: what has a meaning there is written as its number.
+std::string plantUmlText(std::string_view text)
+{
+    std::string result;
+    for (char const c : withoutControls(text)) {
+        bool const special = std::string_view("\"<>&#*_~-/\\[]{}|").find(c) != std::string_view::npos;
+        if (special)
+            result += "&#" + std::to_string(static_cast<unsigned char>(c)) + ';';
+        else
+            result += c;
+    }
+    return result;
+}
+
+} // namespace
+
+std::string dotDrawing(StateGraph const& graph)
+{
+    std::string text = "digraph \"" + dotText(graph.title()) + "\" {\n";
+    text += "    graph [rankdir=TB, nodesep=0.7, ranksep=0.8, fontname=\"Helvetica\"];\n"
+            "    node [shape=box, style=\"rounded,filled\", fillcolor=\"#eef3fa\", color=\"#33557f\","
+            " fontname=\"Helvetica\", fontsize=13, margin=\"0.2,0.1\"];\n"
+            "    edge [color=\"#555555\", fontname=\"Helvetica\", fontsize=10, arrowsize=0.8];\n";
+    auto const& states = graph.states();
+    if (!states.empty()) {
+        text += "    start [shape=circle, style=filled, fillcolor=\"#333333\", label=\"\", width=0.16, "
+                "margin=0];\n";
+        text += "    start -> " + stateId(graph.initial()) + ";\n";
+    }
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        text += "    " + stateId(i) + " [label=\"" + dotText(states[i].name) + '"';
+        if (states[i].deadEnd)
+            text += ", peripheries=2, tooltip=\"dead end\"";
+        if (!states[i].reachable)
+            text += ", style=\"rounded,filled,dashed\", fillcolor=\"#f2f2f2\", color=\"#999999\","
+                    " fontcolor=\"#777777\", tooltip=\"unreachable\"";
+        text += "];\n";
+    }
+    for (auto const& transition : graph.transitions()) {
+        text += "    " + stateId(transition.from) + " -> " + stateId(transition.to) + " [label=\" " +
+                dotText(eventText(transition)) + " \\n " + dotText(transitionText(transition)) + " \"";
+        if (transition.ambiguous)
+            text += ", color=\"#c0202c\", fontcolor=\"#c0202c\", penwidth=1.6, "
+                    "labeltooltip=\"non-deterministic\"";
+        text += "];\n";
+    }
+    return text + "}\n";
+}
+
+std::string mermaidDrawing(StateGraph const& graph)
+{
+    std::string text = "stateDiagram-v2\n"
+                       "    classDef unreachable stroke-dasharray:4 4,color:#777\n"
+                       "    classDef deadEnd stroke-width:3px\n";
+    auto const& states = graph.states();
+    for (std::size_t i = 0; i < states.size(); ++i)
+        text += "    state \"" + mermaidText(states[i].name) + "\" as " + stateId(i) + "\n";
+    if (!states.empty())
+        text += "    [*] --> " + stateId(graph.initial()) + "\n";
+    for (auto const& transition : graph.transitions()) {
+        text += "    " + stateId(transition.from) + " --> " + stateId(transition.to) + " : " +
+                mermaidText(eventText(transition)) + (transition.ambiguous ? " (ambiguous)" : "") + "\n";
+    }
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        if (!states[i].reachable)
+            text += "    class " + stateId(i) + " unreachable\n";
+        if (states[i].deadEnd)
+            text += "    class " + stateId(i) + " deadEnd\n";
+    }
+    return text;
+}
+
+std::string plantUmlDrawing(StateGraph const& graph)
+{
+    std::string text = "@startuml\nhide empty description\n";
+    auto const& states = graph.states();
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        text += "state \"" + plantUmlText(states[i].name) + "\" as " + stateId(i);
+        if (!states[i].reachable)
+            text += " #line.dashed";
+        else if (states[i].deadEnd)
+            text += " #line.bold";
+        text += "\n";
+    }
+    if (!states.empty())
+        text += "[*] --> " + stateId(graph.initial()) + "\n";
+    for (auto const& transition : graph.transitions()) {
+        text += stateId(transition.from) + (transition.ambiguous ? " -[#red]-> " : " --> ") +
+                stateId(transition.to) + " : " + plantUmlText(eventText(transition)) + "\\n" +
+                plantUmlText(transitionText(transition)) + "\n";
+    }
+    return text + "@enduml\n";
+}
+
+} // namespace ZelkMsg

@@ -1,0 +1,118 @@
+/// zelk-msg: a look into the traffic between clients and the state-machine service.
+///
+/// Reads the command line and hands over to the command; see commands.h.
+
+#include "tools/zelk-msg/commands.h"
+#include "tools/zelk-msg/input.h"
+#include "tools/zelk-msg/memory_limit.h"
+#include "tools/zelk-msg/suggest.h"
+#include "tools/zelk-msg/trouble.h"
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <cstdint>
+#include <map>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace ZelkMsg;
+
+constexpr std::uint64_t smallestLimit = std::uint64_t{32} << 20;
+
+/// A word that no command is called, with the nearest command.
+int refuseUsage(CLI::App const& program, CLI::ParseError const& error, int argc, char const* const* argv)
+{
+    std::string what = error.what();
+    std::string help = "zelk-msg --help";
+    if (program.get_subcommands().empty()) {
+        for (int i = 1; i < argc; ++i) {
+            std::string const word = argv[i];
+            if (word.empty() || word.front() == '-')
+                continue;
+            std::vector<std::string> names;
+            for (CLI::App const* const command :
+                 program.get_subcommands([](CLI::App const*) { return true; }))
+                names.push_back(command->get_name());
+            what = "no command is called '" + word + "'" + didYouMean(word, names);
+            break;
+        }
+    } else {
+        help = "zelk-msg " + program.get_subcommands().front()->get_name() + " --help";
+    }
+    complain("zelk-msg: " + what + " (see " + help + ")");
+    return trouble;
+}
+
+int runProgram(int argc, char const* const* argv)
+{
+    CLI::App program("Looks into the messages spoken to and by the state-machine service.", "zelk-msg");
+    program.set_version_flag("--version", std::string("zelk-msg " ZELK_MSG_VERSION));
+    program.set_help_flag("-h,--help", "Print this help and exit");
+    program.require_subcommand(1);
+    program.fallthrough();
+
+    ColorMode color = ColorMode::automatic;
+    std::map<std::string, ColorMode> const color_modes{
+        {"auto", ColorMode::automatic}, {"always", ColorMode::always}, {"never", ColorMode::never}};
+    program
+        .add_option("--color", color,
+                    "Colours: auto (on a terminal, unless NO_COLOR is set), always or never")
+        ->transform(CLI::CheckedTransformer(color_modes).description(""))
+        ->type_name("WHEN");
+    std::uint64_t memory_limit = defaultMemoryLimit;
+    program
+        .add_option(
+            "--memory-limit", memory_limit,
+            "Most memory to take, such as 512MB or 4GB; a message that needs more is refused (default 1GB)")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->type_name("SIZE");
+    program.footer(
+        "Files hold one message a line, messages one after the other, or arrays of messages; - is standard\n"
+        "input. Call a command with --help for its options and examples.\n"
+        "\n"
+        "Exit status: 0 nothing to complain about, 1 messages were refused or differ, 2 trouble.");
+
+    Run run;
+    for (auto const add : {addShow, addGraph})
+        add(program, run);
+    try {
+        program.parse(argc, argv);
+        if (memory_limit < smallestLimit)
+            throw CLI::ValidationError("--memory-limit", "at least 32MB are needed");
+    } catch (CLI::Success const& e) {
+        return program.exit(e);
+    } catch (CLI::ParseError const& e) {
+        return refuseUsage(program, e, argc, argv);
+    }
+
+    limitMemory(memory_limit);
+    Output output(color);
+    try {
+        int const status = run(output);
+        output.flush();
+        return status;
+    } catch (...) {
+        output.flush(); // what was printed before the failure was right
+        throw;
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // A reader that goes away ends the program, whatever the parent did with the signal.
+    std::signal(SIGPIPE, SIG_DFL);
+    try {
+        return runProgram(argc, argv);
+    } catch (Trouble const& e) {
+        complain(std::string("zelk-msg: ") + e.what());
+    } catch (std::bad_alloc const&) {
+        complain("zelk-msg: out of memory (see --memory-limit)");
+    }
+    return trouble;
+}

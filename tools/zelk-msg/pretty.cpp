@@ -1,0 +1,54 @@
+#include "tools/zelk-msg/pretty.h"
+
+#include "framework/json_text.h"
+
+#include <cstddef>
+
+namespace ZelkMsg {
+
+namespace MetaData = Zelk::MetaData;
+using MetaData::Element;
+
+namespace {
+
+void print(std::string& text, Element const& node, std::size_t depth)
+{
+    auto const newLine = [&](std::size_t level) { text.append("\n").append(2 * level, ' '); };
+    bool first = true;
+    if (node.GetElementType() == Element::object && !static_cast<MetaData::Object const&>(node).empty()) {
+        text += '{';
+        for (auto const& member : static_cast<MetaData::Object const&>(node)) {
+            text += first ? "" : ",";
+            first = false;
+            newLine(depth + 1);
+            text += Zelk::Json::printText(Element(MetaData::Trivial_T<std::string>(member.name()))) + ": ";
+            print(text, member.element(), depth + 1);
+        }
+        newLine(depth);
+        text += '}';
+    } else if (node.GetElementType() == Element::array &&
+               !static_cast<MetaData::Array const&>(node).empty()) {
+        text += '[';
+        for (Element const& item : static_cast<MetaData::Array const&>(node)) {
+            text += first ? "" : ",";
+            first = false;
+            newLine(depth + 1);
+            print(text, item, depth + 1);
+        }
+        newLine(depth);
+        text += ']';
+    } else {
+        text += Zelk::Json::printText(node);
+    }
+}
+
+} // namespace
+
+std::string prettyText(Element const& tree)
+{
+    std::string text;
+    print(text, tree, 0);
+    return text;
+}
+
+} // namespace ZelkMsg
