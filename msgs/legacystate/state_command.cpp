@@ -24,7 +24,9 @@ unsigned int StateCommand::commandId() const
 
 void StateCommand::copyToInternalMetaData() const
 {
-    put(entry(*this, "commandid"), commandId());
+    // One after the other: the member is there before a class derived from this one is asked for the id.
+    MetaData::Element& id = entry(*this, "commandid");
+    put(id, commandId());
     put(entry(*this, "clientname"), clientName());
 }
 

@@ -32,7 +32,9 @@ void StateResponse::setEventId(int eventId)
 void StateResponse::copyToInternalMetaData() const
 {
     put(entry(*this, "header"), header());
-    put(element("body", "id"), eventId());
+    // One after the other: the member is there before a class derived from this one is asked for the id.
+    MetaData::Element& id = element("body", "id");
+    put(id, eventId());
 }
 
 void StateResponse::copyFromInternalMetaData()
