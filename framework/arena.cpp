@@ -12,10 +12,13 @@ struct Chunk {
 
 namespace {
 
+// Most texts get by with one chunk. That is not only faster to fill: the usual heap gives back to the system
+// what is freed in small chunks, and faults every page in again for the next text, but keeps what is freed in
+// large ones.
 constexpr std::size_t smallestChunk = std::size_t{4} << 10;
-constexpr std::size_t largestChunk = std::size_t{64} << 10;
-// A kept piece keeps its chunk: a piece of this size is better off by itself.
-constexpr std::size_t largestPiece = largestChunk / 4;
+constexpr std::size_t largestChunk = std::size_t{1} << 20;
+// A piece of this size is better off by itself than at the cost of the rest of a chunk.
+constexpr std::size_t largestPiece = std::size_t{16} << 10;
 
 struct PieceHead {
     Chunk* chunk;

@@ -46,6 +46,17 @@ void ObjectStore::returnSlot([[maybe_unused]] void* slot) noexcept
     assert(slot == lastBlock->slots() + lastBlock->used * slotSize);
 }
 
+namespace {
+
+/// Whether two names are equal; most that are not differ in size or in the first byte.
+bool isName(std::string const& a, std::string_view b) noexcept
+{
+    return a.size() == b.size() &&
+           (b.empty() || (a.front() == b.front() && std::memcmp(a.data(), b.data(), b.size()) == 0));
+}
+
+} // namespace
+
 Object::Member const* ObjectStore::find(std::string_view name) const noexcept
 {
     if (tree.size() > linearSearchLimit) {
@@ -56,8 +67,7 @@ Object::Member const* ObjectStore::find(std::string_view name) const noexcept
         char* slot = block->firstMember;
         for (std::uint32_t i = 0; i < block->used; ++i, slot += slotSize) {
             auto const* member = reinterpret_cast<Object::Member const*>(slot);
-            if (member->name().size() == name.size() &&
-                std::memcmp(member->name().data(), name.data(), name.size()) == 0)
+            if (isName(member->name(), name))
                 return member;
         }
     }

@@ -46,7 +46,7 @@ struct TreeAccess;
 struct NameLess {
     using is_transparent = void;
     template <typename Left, typename Right>
-    bool operator()(Left const& left, Right const& right) const noexcept;
+    [[gnu::always_inline]] bool operator()(Left const& left, Right const& right) const noexcept;
 };
 
 /// Gives the tree of an object its nodes out of the object's own store.
@@ -357,9 +357,14 @@ inline std::string_view nameOf(Object::Member const& member) noexcept
 }
 
 template <typename Left, typename Right>
-bool NameLess::operator()(Left const& left, Right const& right) const noexcept
+inline bool NameLess::operator()(Left const& left, Right const& right) const noexcept
 {
-    return nameOf(left) < nameOf(right);
+    std::string_view const a = nameOf(left);
+    std::string_view const b = nameOf(right);
+    // Most names differ in their first byte, which saves the call that compares the rest.
+    if (!a.empty() && !b.empty() && a.front() != b.front())
+        return static_cast<unsigned char>(a.front()) < static_cast<unsigned char>(b.front());
+    return a < b;
 }
 } // namespace Detail
 

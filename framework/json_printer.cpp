@@ -117,9 +117,12 @@ private:
             --depth_;
             return;
         }
-        if (open.index++ != 0)
-            put(',');
-        printString(open.member->name());
+        bool const first = open.index++ == 0;
+        std::string const& name = open.member->name();
+        out_ = buffer_.reserve(out_, 1);
+        *out_ = ',';
+        out_ += first ? 0 : 1;
+        printString(name);
         put(':');
         printValue(open.member->element());
     }
@@ -287,6 +290,9 @@ private:
                 return false;
         } else if (size >= Detail::Word::size) {
             if (!copyBothEnds<Detail::Word>(text, size, to))
+                return false;
+        } else if (size >= Detail::HalfWord::size) {
+            if (!copyBothEnds<Detail::HalfWord>(text, size, to))
                 return false;
         } else {
             for (std::size_t i = 0; i < size; ++i) {

@@ -262,7 +262,9 @@ private:
     std::string_view readString()
     {
         char const* const start = ++cursor_;
-        char const* const stop = skipPlain(start);
+        char const* stop = Detail::findSpecial(start, end_);
+        if (stop == end_ || *stop != '"')
+            stop = skipPlain(stop);
         if (*stop == '"') {
             cursor_ = stop + 1;
             return {start, static_cast<std::size_t>(stop - start)};

@@ -22,27 +22,30 @@ constexpr bool isSpecial(unsigned char byte) noexcept
     return byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\';
 }
 
-/// Eight bytes at once.
-struct Word {
-    static constexpr std::size_t size = 8;
-    static constexpr std::uint64_t ones = 0x0101010101010101;
-    static constexpr std::uint64_t highs = 0x8080808080808080;
+/// As many bytes at once as the unsigned integer T has.
+template <typename T>
+struct Bytes {
+    static constexpr std::size_t size = sizeof(T);
+    static constexpr T ones = static_cast<T>(0x0101010101010101);
+    static constexpr T highs = static_cast<T>(0x8080808080808080);
 
-    explicit Word(char const* text) noexcept { std::memcpy(&bits, text, size); }
+    explicit Bytes(char const* text) noexcept { std::memcpy(&bits, text, size); }
     void copyTo(char* out) const noexcept { std::memcpy(out, &bits, size); }
 
-    /// Whether any of the eight bytes is special. (A byte with its high bit set is special anyway, so the
-    /// usual doubt about borrows in such bytes does not matter.)
+    /// Whether any of the bytes is special. (A byte with its high bit set is special anyway, so the usual
+    /// doubt about borrows in such bytes does not matter.)
     bool hasSpecial() const noexcept
     {
-        std::uint64_t const quote = bits ^ (ones * '"');
-        std::uint64_t const backslash = bits ^ (ones * '\\');
-        std::uint64_t const found = (bits - ones * 0x20) | (quote - ones) | (backslash - ones) | bits;
+        T const quote = bits ^ (ones * '"');
+        T const backslash = bits ^ (ones * '\\');
+        T const found = (bits - ones * 0x20) | (quote - ones) | (backslash - ones) | bits;
         return (found & highs) != 0;
     }
 
-    std::uint64_t bits;
+    T bits;
 };
+using HalfWord = Bytes<std::uint32_t>;
+using Word = Bytes<std::uint64_t>;
 
 #ifdef ZELK_SCAN_SSE2
 
