@@ -55,7 +55,7 @@ step() {
     status=$?
     set -e
     if [ $status -ne 0 ]; then
-        cat "$work/log" >&2
+        tail -n 40 "$work/log" | cut -c1-300 >&2
         fail "$what"
     fi
     passed=$((passed + 1))
@@ -71,7 +71,7 @@ links_are_by_soname() {
     local library
     for library in Core MessagesCommon StateMessages; do
         [ -L "$1/libZelk$library.so" ] && [ -L "$1/libZelk$library.so.0" ] || return 1
-        objdump -p "$1/libZelk$library.so" | grep -q "SONAME *libZelk$library.so.0\$" || return 1
+        objdump -p "$1/libZelk$library.so" | grep "SONAME *libZelk$library.so.0\$" >/dev/null || return 1
     done
 }
 
@@ -145,14 +145,20 @@ install_and_move() {
     mv "$work/first-$1" "$2"
 }
 
-# The runtime component is what a user of a program needs; the development component adds nothing that is loaded.
+# The runtime component is what a user of a program needs; the development component adds nothing that is loaded. Every
+# file belongs to one component.
 components_are_apart() {
-    local alone=$work/components-$1
-    cmake --install "$work/build-$1" --component runtime --prefix "$alone/runtime"
-    cmake --install "$work/build-$1" --component development --prefix "$alone/development"
+    local alone=$work/components-$1 component
+    for component in runtime development tools docs; do
+        mkdir -p "$alone/$component"
+        cmake --install "$work/build-$1" --component $component --prefix "$alone/$component"
+    done
+    cmake --install "$work/build-$1" --prefix "$alone/all"
+    [ "$(cd "$alone" && find runtime development tools docs -mindepth 1 ! -type d | cut -d/ -f2- | sort)" = \
+        "$(cd "$alone/all" && find . -mindepth 1 ! -type d | cut -d/ -f2- | sort)" ] || return 1
     [ "$(cd "$alone/runtime" && find . -type f -printf '%f\n' | sort | tr '\n' ' ')" = \
         "libZelkCore.so.$version libZelkMessagesCommon.so.$version libZelkStateMessages.so.$version " ] || return 1
-    [ -z "$(find "$alone/development" -name '*.so.*')" ]
+    [ -z "$(find "$alone/development/lib" -name '*.so.*')" ]
 }
 
 # The platform's part of a prefix, without anything of the state messages and without package files.
@@ -167,7 +173,7 @@ platform_prefix() {
 product_on_platform() {
     local tree=$work/product-$1 build=$work/product-build-$1 prefix=$work/product-first-$1
     mkdir -p "$tree/msgs"
-    cp -a "$source_dir/CMakeLists.txt" "$source_dir/cmake" "$tree"
+    cp -a "$source_dir/CMakeLists.txt" "$source_dir/cmake" "$source_dir/docs" "$tree"
     cp -a "$source_dir/msgs/CMakeLists.txt" "$source_dir/msgs/legacystate" "$source_dir/msgs/msgidstate" "$tree/msgs"
     configure "$build" "$tree" "$1" 17 -DZELK_SIBLINGS_PREFIX="$2" -DZELK_BUILD_TESTS=OFF -DZELK_BUILD_TOOLS=OFF \
         -DZELK_BUILD_EXAMPLES=OFF -DZELK_WARNINGS_AS_ERRORS=ON -DCMAKE_INSTALL_LIBDIR=lib \
@@ -194,7 +200,7 @@ consumer_on_platform() {
 incomplete_platform_is_refused() {
     ! cmake -S "$work/product-$1" -B "$work/refused-$1" -DCMAKE_CXX_COMPILER="$1" \
         -DZELK_SIBLINGS_PREFIX="$work/nothing" >"$work/refused.txt" 2>&1 || return 1
-    tr -s '\n ' ' ' <"$work/refused.txt" | grep -q "no libZelkCore.so, libZelkMessagesCommon.so, framework/element.h"
+    tr -s '\n ' ' ' <"$work/refused.txt" | grep "no libZelkCore.so, libZelkMessagesCommon.so, framework/element.h" >/dev/null
 }
 
 version=$(sed -nE 's/^project\(ZelkStateMessages VERSION ([0-9.]+).*/\1/p' "$source_dir/CMakeLists.txt")
