@@ -7,14 +7,24 @@ import tempfile
 from pathlib import Path
 
 
+def _run(command: list, **options) -> tuple[str, list[list[str]]]:
+    """The compiler, and name, operations and allocations of each work."""
+    run = subprocess.run(command, capture_output=True, text=True, **options)
+    if run.returncode != 0:
+        raise RuntimeError(run.stderr)
+    compiler_line, *works = run.stdout.splitlines()
+    return compiler_line, [line.split() for line in works]
+
+
+def compiler(build: Path) -> str:
+    """Name and major version of the compiler that made the build."""
+    return _run([build / "bench/zelk-bench-driver"])[0]
+
+
 def allocations(build: Path) -> dict[str, float]:
     """Allocations per operation of each work."""
-    output = subprocess.run([build / "bench/zelk-bench-driver"], check=True, capture_output=True, text=True).stdout
-    counts = {}
-    for line in output.splitlines():
-        name, operations, blocks = line.split()
-        counts[name] = int(blocks) / int(operations)
-    return counts
+    _, works = _run([build / "bench/zelk-bench-driver"])
+    return {name: int(blocks) / int(operations) for name, operations, blocks in works}
 
 
 def instructions(build: Path) -> dict[str, float]:
@@ -23,13 +33,9 @@ def instructions(build: Path) -> dict[str, float]:
     # the same on all.
     environment = dict(os.environ, GLIBC_TUNABLES="glibc.cpu.hwcaps=-AVX2,-AVX512F,-AVX512VL,-ERMS,-FSRM")
     with tempfile.TemporaryDirectory() as folder:
-        run = subprocess.run(
-            ["valgrind", "--tool=callgrind", "--instr-atstart=no",
-             f"--callgrind-out-file={folder}/callgrind", build / "bench/zelk-bench-driver"],
-            capture_output=True, text=True, env=environment)
-        if run.returncode != 0:
-            raise RuntimeError(run.stderr)
-        operations = {name: int(count) for name, count, _ in (line.split() for line in run.stdout.splitlines())}
+        _, works = _run(["valgrind", "--tool=callgrind", "--instr-atstart=no",
+                         f"--callgrind-out-file={folder}/callgrind", build / "bench/zelk-bench-driver"],
+                        env=environment)
         totals = {}
         for path in Path(folder).iterdir():
             dump = path.read_text()
@@ -37,4 +43,4 @@ def instructions(build: Path) -> dict[str, float]:
             total = re.search(r"^(?:totals|summary): (\d+)", dump, re.MULTILINE)
             if work and total:
                 totals[work[1]] = int(total[1])
-    return {name: totals[name] / operations[name] for name in operations}
+    return {name: totals[name] / int(operations) for name, operations, _ in works}

@@ -2,7 +2,7 @@
 /// timed: allocations by this program itself, instructions by valgrind's callgrind, which gets one dump a
 /// work.
 ///
-/// Prints one line a work: name, operations done, allocations in all.
+/// Prints the compiler, then one line a work: name, operations done, allocations in all.
 #include "bench/count_allocations.h"
 #include "bench/documents.h"
 #include "bench/our_messages.h"
@@ -89,6 +89,11 @@ void measureDocument(std::string const& name, std::string const& text)
 
 int main()
 {
+#ifdef __clang__
+    std::cout << "clang++ " << __clang_major__ << '\n';
+#else
+    std::cout << "g++ " << __GNUC__ << '\n';
+#endif
     measureSubscriber();
     measureStateSpace(8, 10);
     measureStateSpace(1000, 2);

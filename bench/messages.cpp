@@ -180,6 +180,8 @@ void addSubscriber()
     trees(RapidJson());
     trees(BoostJson<HeapMemory>());
     trees(BoostJson<MonotonicMemory>());
+    addBuildAndWrite<UncheckedRapidJson>("subscriber/write_fresh", message, value);
+    addKeptWrite<UncheckedRapidJson>("subscriber/write_kept", message, value);
     addKeptWrite<ByHand>("subscriber/write_kept", message, value);
     addRead<Simdjson>("subscriber/read_fresh", text, *message);
     addKeptRead<Simdjson>("subscriber/read_kept", text, *message);
@@ -204,6 +206,8 @@ void addStateSpace(std::size_t count)
     trees(RapidJson());
     trees(BoostJson<HeapMemory>());
     trees(BoostJson<MonotonicMemory>());
+    addWrite<UncheckedRapidJson>(prefix + "/write", message, value);
+    addBuildAndWrite<UncheckedRapidJson>(prefix + "/build_and_write", message, value);
     addRead<Simdjson>(prefix + "/read_sorted", sorted, *message);
     addRead<Simdjson>(prefix + "/read_unsorted", unsorted, *message);
 }
@@ -224,6 +228,7 @@ void addRegistration()
     trees(RapidJson());
     trees(BoostJson<HeapMemory>());
     trees(BoostJson<MonotonicMemory>());
+    addWrite<UncheckedRapidJson>(prefix + "/write", message, value);
     addRead<Simdjson>(prefix + "/read", text, *message);
 }
 

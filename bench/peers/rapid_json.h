@@ -1,4 +1,5 @@
-/// The measured work done with RapidJSON, which parses with full precision and checks UTF-8.
+/// The measured work done with RapidJSON, which parses with full precision and checks UTF-8. Its writer
+/// checks UTF-8 too, as ours does, or, as a bound, does not.
 #pragma once
 
 #include "bench/plain_messages.h"
@@ -10,8 +11,12 @@
 
 namespace bench {
 
-struct RapidJson {
-    static constexpr char const* name = "rapidjson";
+/// Tells the two kinds of writer apart.
+enum class Utf8OnWriting { checked, unchecked };
+
+template <Utf8OnWriting utf8>
+struct BasicRapidJson {
+    static constexpr char const* name = utf8 == Utf8OnWriting::checked ? "rapidjson" : "rapidjson_unchecked";
     static constexpr Numbers numbers = Numbers::exact;
     using Tree = rapidjson::Document;
     using Value = rapidjson::Value;
@@ -195,7 +200,11 @@ private:
     }
     static void print(Tree const& tree, rapidjson::StringBuffer& buffer)
     {
-        rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);
+        constexpr unsigned int flags =
+            utf8 == Utf8OnWriting::checked ? rapidjson::kWriteValidateEncodingFlag : rapidjson::kWriteNoFlags;
+        rapidjson::Writer<rapidjson::StringBuffer, rapidjson::UTF8<>, rapidjson::UTF8<>,
+                          rapidjson::CrtAllocator, flags>
+            writer(buffer);
         if (!tree.Accept(writer))
             refuseMessage("cannot be printed");
     }
@@ -238,5 +247,8 @@ private:
         return node.GetDouble();
     }
 };
+
+using RapidJson = BasicRapidJson<Utf8OnWriting::checked>;
+using UncheckedRapidJson = BasicRapidJson<Utf8OnWriting::unchecked>;
 
 } // namespace bench
