@@ -1,6 +1,6 @@
 """Holds the JSON Schemas against the library, with an independent validator.
 
-    schema_test.py SCHEMA_FOLDER MESSAGE_PEER
+    schema_test.py SCHEMA_FOLDER GOLDEN_TEXTS MESSAGE_PEER
 
 The library is asked through the program message_peer. Where a schema and the library cannot agree, for one of the
 reasons that the README of the schemas lists, the reason is worked out here from the text alone; any other difference
@@ -18,7 +18,8 @@ import unittest
 from jsonschema import Draft202012Validator
 
 SCHEMA_FOLDER = pathlib.Path(sys.argv[1])
-MESSAGE_PEER = sys.argv[2]
+GOLDEN_TEXTS = pathlib.Path(sys.argv[2])
+MESSAGE_PEER = sys.argv[3]
 
 STRANGE = [
     None, True, False, "", "text", "7", [], [[]], [1], [1.5], [True], ["x"], [None], {}, {"unknown": 1},
@@ -189,6 +190,23 @@ class Schemas(unittest.TestCase):
         for name, document in written_messages():
             with self.subTest(name=name, document=document):
                 self.assertEqual(FORMS[name].accepted.is_valid(document), not has_parameter(name, document))
+
+    def test_both_forms_allow_the_golden_texts(self):
+        for path in SCHEMA_FOLDER.glob("*.json"):
+            form = FORMS[json.loads(path.read_text(encoding="utf-8"))["title"]]
+            golden = json.loads((GOLDEN_TEXTS / path.name).read_text(encoding="utf-8"))
+            with self.subTest(name=form.name):
+                self.assertTrue(form.written.is_valid(golden))
+                self.assertTrue(form.accepted.is_valid(golden))
+
+    def test_written_form_alone_allows_the_golden_texts_that_cannot_be_read(self):
+        paths = list((GOLDEN_TEXTS / "written_only").glob("*.json"))
+        self.assertGreater(len(paths), 0)
+        for path in paths:
+            golden = json.loads(path.read_text(encoding="utf-8"))
+            with self.subTest(name=path.stem):
+                self.assertTrue(FORMS[path.stem].written.is_valid(golden))
+                self.assertFalse(FORMS[path.stem].accepted.is_valid(golden))
 
     def test_verdicts_agree_but_for_the_listed_reasons(self):
         chance = random.Random(20260601)
