@@ -88,6 +88,7 @@ public:
         else
             return nullptr;
     }
+    bool ofFields() const override { return false; }
 };
 
 /// A record of reflected fields, whose text goes through a tree.
@@ -113,6 +114,7 @@ public:
     void fromText(std::string const& text) override { this->copyFrom(Json::readText(text)); }
     void fromStream(std::istream& stream) override { this->copyFrom(Json::readText(stream)); }
     MetaData::Element* internal() const override { return nullptr; }
+    bool ofFields() const override { return true; }
 
 private:
     MetaData::Element written() const

@@ -40,6 +40,10 @@ public:
 
     /// The internal metadata object; null when the class has none.
     virtual MetaData::Element* internal() const = 0;
+
+    /// Whether the class is made of reflected fields, whose copies are not always equal: a required field
+    /// that is unset becomes set in the copy.
+    virtual bool ofFields() const = 0;
 };
 
 /// One class.
