@@ -6,8 +6,8 @@
 # The library is built and installed once with each compiler, and the prefix is moved before anything uses it.
 # From the moved prefix, as C++17, C++20 and C++23: every header alone, find_package, pkg-config. From the sources:
 # add_subdirectory and FetchContent. At last the state messages alone, their sources copied out of the tree, are built
-# against a prefix that holds only the other two libraries. The folder (by default a temporary one) takes
-# everything that is written; -k keeps it. The environment variables COMPILERS and STANDARDS narrow the run.
+# against a prefix that holds only the other two libraries. Everything is written to package-check in the folder (by
+# default a temporary one), which -k keeps. The environment variables COMPILERS and STANDARDS narrow the run.
 set -euo pipefail
 
 source_dir=$(cd "$(dirname "$0")/../.." && pwd)
@@ -23,7 +23,9 @@ if [ "${1:-}" = -k ]; then
 fi
 if [ $# -gt 0 ]; then
     mkdir -p "$1"
-    work=$(cd "$1" && pwd)
+    work=$(cd "$1" && pwd)/package-check
+    rm -rf "$work"
+    mkdir "$work"
 else
     work=$(mktemp -d)
 fi
