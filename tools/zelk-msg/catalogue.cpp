@@ -387,11 +387,21 @@ std::optional<int> readId(Direction direction, Element const* node)
     }
 }
 
-/// The member of `kind` down to its first list or open name is in the tree.
+/// The first step of a path, which is taken off it.
+std::string_view takeStep(std::string_view& path)
+{
+    path.remove_prefix(1);
+    std::string_view const step = path.substr(0, path.find('/'));
+    path.remove_prefix(step.size());
+    return step;
+}
+
+/// The member is in the tree, or the list that it belongs to.
 bool has(Element const& tree, Member const& member)
 {
     Element const* node = &tree;
-    for (std::string_view const step : steps(member.path)) {
+    for (std::string_view path = member.path; !path.empty();) {
+        std::string_view const step = takeStep(path);
         if (step == "*")
             return true;
         if (step == "?")
@@ -564,12 +574,8 @@ std::string_view nameOf(Type type)
 std::vector<std::string_view> steps(std::string_view path)
 {
     std::vector<std::string_view> result;
-    while (!path.empty()) {
-        path.remove_prefix(1);
-        std::size_t const end = std::min(path.find('/'), path.size());
-        result.push_back(path.substr(0, end));
-        path.remove_prefix(end);
-    }
+    while (!path.empty())
+        result.push_back(takeStep(path));
     return result;
 }
 

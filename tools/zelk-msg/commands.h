@@ -13,7 +13,12 @@ namespace ZelkMsg {
 using Run = std::function<int(Output&)>;
 
 /// Each adds its command to the program; when the user calls it, `run` is set.
-void addShow(CLI::App& program, Run& run);
+void addCheck(CLI::App& program, Run& run);
+void addDiff(CLI::App& program, Run& run);
 void addGraph(CLI::App& program, Run& run);
+void addKinds(CLI::App& program, Run& run);
+void addMake(CLI::App& program, Run& run);
+void addSequence(CLI::App& program, Run& run);
+void addShow(CLI::App& program, Run& run);
 
 } // namespace ZelkMsg

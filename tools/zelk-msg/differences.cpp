@@ -1,7 +1,9 @@
 #include "tools/zelk-msg/differences.h"
 
 #include "framework/json_text.h"
+#include "tools/zelk-msg/alignment.h"
 
+#include <cstddef>
 #include <utility>
 
 namespace ZelkMsg {
@@ -32,69 +34,110 @@ bool equalLeaves(Element const& left, Element const& right)
 // As deep as the trees, which come from texts: at most 1,024 levels.
 class Comparison {
 public:
+    explicit Comparison(Items items) : items_(items) {}
+
     std::vector<Difference> take() { return std::move(found_); }
 
-    void compare(Element const& left, Element const& right, std::string const& path)
+    void compare(Element const& left, Element const& right)
     {
         auto const kind = left.GetElementType();
         if (kind == right.GetElementType() && kind == Element::object)
-            compareObjects(left, right, path);
+            compareObjects(left, right);
         else if (kind == right.GetElementType() && kind == Element::array)
-            compareArrays(left, right, path);
+            compareArrays(left, right);
         else if (!equalLeaves(left, right))
-            add(Difference::What::changed, path, &left, &right);
+            add(Difference::What::changed, &left, &right);
     }
 
 private:
-    void add(Difference::What what, std::string path, Element const* left, Element const* right)
+    /// Goes down to a member for the time of `visit`.
+    template <typename Visit>
+    void at(std::string const& step, Visit const& visit)
     {
-        found_.push_back({what, std::move(path), left == nullptr ? "" : Zelk::Json::printText(*left),
+        std::size_t const length = path_.size();
+        path_ += '/';
+        path_ += step;
+        visit();
+        path_.resize(length);
+    }
+
+    void add(Difference::What what, Element const* left, Element const* right)
+    {
+        found_.push_back({what, path_, left == nullptr ? "" : Zelk::Json::printText(*left),
                           right == nullptr ? "" : Zelk::Json::printText(*right)});
     }
 
-    void compareObjects(MetaData::Object const& left, MetaData::Object const& right, std::string const& path)
+    void compareObjects(MetaData::Object const& left, MetaData::Object const& right)
     {
         auto a = left.begin();
         auto b = right.begin();
         while (a != left.end() || b != right.end()) {
             if (b == right.end() || (a != left.end() && a->name() < b->name())) {
-                add(Difference::What::onlyLeft, path + '/' + a->name(), &a->element(), nullptr);
+                at(a->name(), [&] { add(Difference::What::onlyLeft, &a->element(), nullptr); });
                 ++a;
             } else if (a == left.end() || b->name() < a->name()) {
-                add(Difference::What::onlyRight, path + '/' + b->name(), nullptr, &b->element());
+                at(b->name(), [&] { add(Difference::What::onlyRight, nullptr, &b->element()); });
                 ++b;
             } else {
-                compare(a->element(), b->element(), path + '/' + a->name());
+                at(a->name(), [&] { compare(a->element(), b->element()); });
                 ++a;
                 ++b;
             }
         }
     }
 
-    void compareArrays(MetaData::Array const& left, MetaData::Array const& right, std::string const& path)
+    void compareArrays(MetaData::Array const& left, MetaData::Array const& right)
     {
+        if (items_ == Items::byContent) {
+            compareByContent(left, right);
+            return;
+        }
         auto a = left.begin();
         auto b = right.begin();
         for (std::size_t index = 0; a != left.end() || b != right.end(); ++index) {
-            std::string const here = path + '/' + std::to_string(index);
-            if (b == right.end())
-                add(Difference::What::onlyLeft, here, &*a++, nullptr);
-            else if (a == left.end())
-                add(Difference::What::onlyRight, here, nullptr, &*b++);
-            else
-                compare(*a++, *b++, here);
+            at(std::to_string(index), [&] {
+                if (b == right.end())
+                    add(Difference::What::onlyLeft, &*a++, nullptr);
+                else if (a == left.end())
+                    add(Difference::What::onlyRight, nullptr, &*b++);
+                else
+                    compare(*a++, *b++);
+            });
         }
     }
 
+    void compareByContent(MetaData::Array const& left, MetaData::Array const& right)
+    {
+        auto const item = [](MetaData::Array const& array, std::size_t index) -> Element const& {
+            return array[static_cast<unsigned int>(index)];
+        };
+        auto const equal = [&](std::size_t a, std::size_t b) { return item(left, a) == item(right, b); };
+        auto const related = [](std::size_t, std::size_t) { return true; };
+        for (Alignment const& pair : align(left.size(), right.size(), equal, related)) {
+            if (pair.equal)
+                continue;
+            at(std::to_string(pair.left ? *pair.left : *pair.right), [&] {
+                if (!pair.right)
+                    add(Difference::What::onlyLeft, &item(left, *pair.left), nullptr);
+                else if (!pair.left)
+                    add(Difference::What::onlyRight, nullptr, &item(right, *pair.right));
+                else
+                    compare(item(left, *pair.left), item(right, *pair.right));
+            });
+        }
+    }
+
+    Items items_;
+    std::string path_;
     std::vector<Difference> found_;
 };
 
 } // namespace
 
-std::vector<Difference> differences(Element const& left, Element const& right)
+std::vector<Difference> differences(Element const& left, Element const& right, Items items)
 {
-    Comparison comparison;
-    comparison.compare(left, right, "");
+    Comparison comparison(items);
+    comparison.compare(left, right);
     return comparison.take();
 }
 

@@ -93,7 +93,7 @@ void addGraph(CLI::App& program, Run& run)
     svg->type_name("OUT.svg");
     auto* const format =
         command->add_option("--format", options->format, "Language: dot, mermaid or plantuml")
-            ->check(CLI::IsMember({"dot", "mermaid", "plantuml"}))
+            ->check(CLI::IsMember({"dot", "mermaid", "plantuml"}).description(""))
             ->type_name("NAME");
     auto* const lint = command->add_flag(
         "--lint", options->lint, "List unreachable states, dead ends and non-deterministic transitions");

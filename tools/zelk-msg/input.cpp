@@ -5,6 +5,7 @@
 #include "tools/zelk-msg/trouble.h"
 
 #include <algorithm>
+#include <new>
 #include <unistd.h>
 
 namespace ZelkMsg {
@@ -25,7 +26,13 @@ int readMessages(std::vector<std::string> files,
                 receive(text, [&](Reception& reception) {
                     if (!reception.accepted())
                         status = std::max<int>(status, findings);
-                    visit(source, reception);
+                    try {
+                        visit(source, reception);
+                    } catch (std::bad_alloc const&) {
+                        // It could be read, but not also shown.
+                        complain(errorLine(source.name(), reception.begin, tooMuchMemory()));
+                        status = std::max<int>(status, findings);
+                    }
                 });
                 progress.show(source.position());
             }

@@ -10,11 +10,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
+#include <cctype>
+#include <charconv>
 #include <csignal>
 #include <cstdint>
-#include <map>
+#include <limits>
 #include <new>
+#include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -23,12 +28,45 @@ using namespace ZelkMsg;
 
 constexpr std::uint64_t smallestLimit = std::uint64_t{32} << 20;
 
+/// The number of bytes that "512M" or "4GiB" stand for; nothing when it is no such size.
+std::optional<std::uint64_t> sizeOf(std::string const& text)
+{
+    std::uint64_t value = 0;
+    char const* const end = text.data() + text.size();
+    auto const [rest, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || rest == text.data())
+        return std::nullopt;
+    std::string unit(rest, end);
+    std::transform(unit.begin(), unit.end(), unit.begin(),
+                   [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
+    int shift = 0;
+    for (char const letter : {'K', 'M', 'G', 'T'}) {
+        shift += 10;
+        std::string const prefix(1, letter);
+        if (unit == prefix || unit == prefix + "B" || unit == prefix + "IB") {
+            constexpr auto most = std::numeric_limits<std::uint64_t>::max();
+            return value > most >> shift ? most : value << shift;
+        }
+    }
+    return unit.empty() || unit == "B" ? std::optional(value) : std::nullopt;
+}
+
+std::string isSize(std::string const& text)
+{
+    auto const size = sizeOf(text);
+    if (!size)
+        return "'" + text + "' is no size such as 512M or 4G";
+    return *size < smallestLimit ? "at least 32M are needed" : "";
+}
+
 /// A word that no command is called, with the nearest command.
 int refuseUsage(CLI::App const& program, CLI::ParseError const& error, int argc, char const* const* argv)
 {
     std::string what = error.what();
     std::string help = "zelk-msg --help";
-    if (program.get_subcommands().empty()) {
+    if (argc == 1) {
+        what = "which command?";
+    } else if (program.get_subcommands().empty()) {
         for (int i = 1; i < argc; ++i) {
             std::string const word = argv[i];
             if (word.empty() || word.front() == '-')
@@ -55,20 +93,18 @@ int runProgram(int argc, char const* const* argv)
     program.require_subcommand(1);
     program.fallthrough();
 
-    ColorMode color = ColorMode::automatic;
-    std::map<std::string, ColorMode> const color_modes{
-        {"auto", ColorMode::automatic}, {"always", ColorMode::always}, {"never", ColorMode::never}};
+    std::string color = "auto";
     program
         .add_option("--color", color,
                     "Colours: auto (on a terminal, unless NO_COLOR is set), always or never")
-        ->transform(CLI::CheckedTransformer(color_modes).description(""))
+        ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
         ->type_name("WHEN");
-    std::uint64_t memory_limit = defaultMemoryLimit;
+    std::string memory_limit;
     program
         .add_option(
             "--memory-limit", memory_limit,
-            "Most memory to take, such as 512MB or 4GB; a message that needs more is refused (default 1GB)")
-        ->transform(CLI::AsSizeValue(false).description(""))
+            "Most memory to take, such as 512M or 4G; a message that needs more is refused (default 1G)")
+        ->check(CLI::Validator(isSize, ""))
         ->type_name("SIZE");
     program.footer(
         "Files hold one message a line, messages one after the other, or arrays of messages; - is standard\n"
@@ -77,20 +113,20 @@ int runProgram(int argc, char const* const* argv)
         "Exit status: 0 nothing to complain about, 1 messages were refused or differ, 2 trouble.");
 
     Run run;
-    for (auto const add : {addShow, addGraph})
+    for (auto const add : {addShow, addCheck, addDiff, addGraph, addSequence, addMake, addKinds})
         add(program, run);
     try {
         program.parse(argc, argv);
-        if (memory_limit < smallestLimit)
-            throw CLI::ValidationError("--memory-limit", "at least 32MB are needed");
     } catch (CLI::Success const& e) {
         return program.exit(e);
     } catch (CLI::ParseError const& e) {
         return refuseUsage(program, e, argc, argv);
     }
 
-    limitMemory(memory_limit);
-    Output output(color);
+    limitMemory(memory_limit.empty() ? defaultMemoryLimit : *sizeOf(memory_limit));
+    Output output(color == "auto"     ? ColorMode::automatic
+                  : color == "always" ? ColorMode::always
+                                      : ColorMode::never);
     try {
         int const status = run(output);
         output.flush();

@@ -172,6 +172,20 @@ std::string readable(std::string_view text)
     return result + '"';
 }
 
+std::string harmless(std::string_view text)
+{
+    std::string result;
+    std::string_view bytes;
+    while (!text.empty()) {
+        std::uint32_t const code = takeCharacter(text, bytes);
+        if (disturbs(code))
+            escape(result, code);
+        else
+            result += bytes;
+    }
+    return result;
+}
+
 std::size_t width(std::string_view text)
 {
     std::size_t columns = 0;

@@ -48,6 +48,10 @@ private:
 /// be told from its surroundings otherwise.
 std::string readable(std::string_view text);
 
+/// A line of text with what could disturb a terminal escaped; for text that is JSON already, or a message of
+/// the program.
+std::string harmless(std::string_view text);
+
 /// Columns that the text takes on a terminal.
 std::size_t width(std::string_view text);
 

@@ -2,6 +2,7 @@
 
 #include "framework/json_text.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace ZelkMsg {
@@ -10,6 +11,21 @@ namespace MetaData = Zelk::MetaData;
 using MetaData::Element;
 
 namespace {
+
+constexpr std::size_t longestRow = 80;
+
+/// A short array of plain values, which needs no lines of its own.
+bool isRow(Element const& node)
+{
+    if (node.GetElementType() != Element::array)
+        return false;
+    MetaData::Array const& items = node;
+    auto const isLeaf = [](Element const& item) {
+        return item.GetElementType() != Element::object && item.GetElementType() != Element::array;
+    };
+    return std::all_of(items.begin(), items.end(), isLeaf) &&
+           Zelk::Json::printText(node).size() <= longestRow;
+}
 
 void print(std::string& text, Element const& node, std::size_t depth)
 {
@@ -26,8 +42,7 @@ void print(std::string& text, Element const& node, std::size_t depth)
         }
         newLine(depth);
         text += '}';
-    } else if (node.GetElementType() == Element::array &&
-               !static_cast<MetaData::Array const&>(node).empty()) {
+    } else if (node.GetElementType() == Element::array && !isRow(node)) {
         text += '[';
         for (Element const& item : static_cast<MetaData::Array const&>(node)) {
             text += first ? "" : ",";

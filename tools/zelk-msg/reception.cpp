@@ -3,6 +3,7 @@
 #include "framework/json_text.h"
 #include "tools/zelk-msg/culprit.h"
 #include "tools/zelk-msg/memory_limit.h"
+#include "tools/zelk-msg/output.h"
 #include "tools/zelk-msg/place_in_text.h"
 
 #include <algorithm>
@@ -19,15 +20,6 @@ namespace MetaData = Zelk::MetaData;
 using MetaData::Element;
 
 namespace {
-
-Place placeAt(Reception const& reception, std::size_t offset)
-{
-    std::string_view const before = reception.text.substr(0, offset);
-    auto const newlines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    if (newlines == 0)
-        return {reception.begin.line, reception.begin.column + offset};
-    return {reception.begin.line + newlines, offset - before.rfind('\n')};
-}
 
 void refuse(Reception& reception, std::size_t offset, std::string reason, std::string rule)
 {
@@ -50,7 +42,7 @@ void refuseMember(Reception& reception, std::string const& path, std::string con
 
 void refuseForMemory(Reception& reception)
 {
-    refuse(reception, 0, "needs more memory than the limit of " + memoryLimitText());
+    refuse(reception, 0, tooMuchMemory());
     reception.outOfMemory = true;
 }
 
@@ -144,6 +136,20 @@ std::size_t receiveFirst(Reception& reception)
 
 } // namespace
 
+Place placeAt(Reception const& reception, std::size_t offset)
+{
+    std::string_view const before = reception.text.substr(0, offset);
+    auto const newlines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+    if (newlines == 0)
+        return {reception.begin.line, reception.begin.column + offset};
+    return {reception.begin.line + newlines, offset - before.rfind('\n')};
+}
+
+std::string tooMuchMemory()
+{
+    return "needs more memory than the limit of " + memoryLimitText();
+}
+
 void receive(Text const& text, std::function<void(Reception&)> const& visit)
 {
     Reception reception;
@@ -157,10 +163,12 @@ void receive(Text const& text, std::function<void(Reception&)> const& visit)
     for (;;) {
         std::string_view const all = reception.text;
         std::size_t const used = receiveFirst(reception);
+        if (used == all.size()) {
+            visit(reception);
+            return;
+        }
         Place const rest = placeAt(reception, used);
         visit(reception);
-        if (used == all.size())
-            return;
         reception = Reception();
         reception.text = all.substr(used);
         reception.begin = rest;
@@ -172,7 +180,7 @@ std::string errorLine(std::string const& file, Place place, std::string_view wha
     std::string line = file;
     line += ':' + std::to_string(place.line) + ':' + std::to_string(place.column) + ": ";
     line += what;
-    return line;
+    return harmless(line);
 }
 
 Element treeOf(Reception const& reception)

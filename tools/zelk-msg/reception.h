@@ -39,6 +39,12 @@ struct Reception {
 /// What cannot be read is visited as refused; nothing but what `visit` throws leaves this function.
 void receive(Text const& text, std::function<void(Reception&)> const& visit);
 
+/// The place of the byte at `offset` in the text of the reception.
+Place placeAt(Reception const& reception, std::size_t offset);
+
+/// Why a message is refused for which the memory does not suffice.
+std::string tooMuchMemory();
+
 /// "file:line:column: what"
 std::string errorLine(std::string const& file, Place place, std::string_view what);
 

@@ -33,6 +33,21 @@ struct ListPath {
     std::string_view rest;
 };
 
+/// The members that stand for the "?" of a path; "id" is the one name that has a meaning of its own there.
+std::vector<MetaData::Object::const_iterator> openMembers(Element const& tree, Member const& member)
+{
+    std::vector<MetaData::Object::const_iterator> result;
+    Element const* const parent = valueAt(tree, member.path.substr(0, member.path.rfind('/')));
+    if (parent == nullptr)
+        return result;
+    MetaData::Object const& members = *parent;
+    for (auto entry = members.begin(); entry != members.end(); ++entry) {
+        if (entry->name() != "id")
+            result.push_back(entry);
+    }
+    return result;
+}
+
 class MessageView {
 public:
     MessageView(Output& output, Kind const& kind, Element const& tree)
@@ -71,7 +86,7 @@ private:
 
     void printLeaf(Member const& member)
     {
-        if (steps(member.path).back() == "?") {
+        if (shortName(member) == "?") {
             printOpenMembers(member);
             return;
         }
@@ -81,17 +96,12 @@ private:
 
     void printOpenMembers(Member const& member)
     {
-        std::string_view const parent = member.path.substr(0, member.path.rfind('/'));
-        Element const* const object = valueAt(tree_, parent);
-        if (object == nullptr)
-            return;
-        if (static_cast<MetaData::Object const&>(*object).size() < 2) // the id alone
+        auto const members = openMembers(tree_, member);
+        if (members.empty())
             return;
         Table table({"name", std::string(nameOf(member.type))});
-        for (auto const& entry : static_cast<MetaData::Object const&>(*object)) {
-            if (entry.name() != "id")
-                table.add({readable(entry.name()), valueText(&entry.element())});
-        }
+        for (auto const& entry : members)
+            table.add({readable(entry->name()), valueText(&entry->element())});
         table.print(output_, "        ");
     }
 
@@ -182,7 +192,7 @@ void printUnknown(Output& output, Reception const& reception, Element const& kno
     output.print(Style::bad, "unknown members") << "\n";
     Table table({"member", "value"});
     for (Difference const& difference : unknown)
-        table.add({readable(difference.path), readable(difference.left)});
+        table.add({harmless(difference.path), harmless(difference.left)});
     table.print(output, "        ");
 }
 
@@ -190,11 +200,11 @@ void printUnknown(Output& output, Reception const& reception, Element const& kno
 std::string excerpt(std::string_view text)
 {
     if (text.size() <= excerptLength)
-        return readable(text);
+        return harmless(text);
     std::size_t length = excerptLength;
     while ((static_cast<unsigned char>(text[length]) & 0xC0u) == 0x80u)
         --length; // not inside a character
-    return readable(text.substr(0, length)) + "...";
+    return harmless(text.substr(0, length)) + "...";
 }
 
 void printHeading(Output& output, std::string const& file, Place place, std::string_view what, Style style)
@@ -211,7 +221,7 @@ std::string valueText(Element const* value)
         return "-";
     if (value->GetElementType() == Element::string)
         return readable(value->asString());
-    return Zelk::Json::printText(*value);
+    return harmless(Zelk::Json::printText(*value));
 }
 
 void printMessage(Output& output, std::string const& file, Reception& reception)
@@ -221,7 +231,7 @@ void printMessage(Output& output, std::string const& file, Reception& reception)
         if (reception.kind != nullptr)
             output << "  " << reception.kind->name;
         output << "\n    ";
-        output.print(Style::bad, readable(reception.reason)) << "\n    ";
+        output.print(Style::bad, harmless(reception.reason)) << "\n    ";
         output.print(Style::faint, excerpt(reception.text)) << "\n\n";
         return;
     }
@@ -239,6 +249,7 @@ void printMessage(Output& output, std::string const& file, Reception& reception)
 
 std::string summary(Kind const& kind, Element const& known)
 {
+    constexpr unsigned int mostItems = 8;
     std::string text;
     auto const add = [&](std::string_view name, std::string const& value) {
         text += text.empty() ? "" : ", ";
@@ -249,16 +260,23 @@ std::string summary(Kind const& kind, Element const& known)
         if (inEnvelope(kind, member))
             continue;
         ListPath const path(member.path);
+        if (shortName(member) == "?") {
+            for (auto const& entry : openMembers(known, member))
+                add(readable(entry->name()), valueText(&entry->element()));
+            continue;
+        }
         Element const* const value = valueAt(known, path.list);
         if (value == nullptr)
             continue;
-        if (!path.isList)
+        if (!path.isList) {
             add(shortName(member), valueText(value));
-        else if (path.rest.empty())
-            add(shortName(member), Zelk::Json::printText(*value));
+            continue;
+        }
+        MetaData::Array const& items = *value;
+        if (path.rest.empty() && items.size() <= mostItems)
+            add(shortName(member), valueText(value));
         else if (path.list != counted)
-            add(path.list.substr(path.list.rfind('/') + 1),
-                std::to_string(static_cast<MetaData::Array const&>(*value).size()));
+            add(path.list.substr(path.list.rfind('/') + 1), "of " + std::to_string(items.size()));
         counted = path.list;
     }
     return text;

@@ -1,0 +1,146 @@
+/// Texts of one file, processed by several threads, with the results in the order of the texts.
+#pragma once
+
+#include "tools/zelk-msg/text_source.h"
+
+#include <condition_variable>
+#include <cstddef>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <shared_mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace ZelkMsg {
+
+/// Texts with the memory that they stand in.
+class TextBatch {
+public:
+    /// Takes as many texts as make up a batch; false when there are none left.
+    bool fill(TextSource& source);
+    /// The texts, valid as long as the batch is not filled again.
+    std::vector<Text> texts() const;
+
+private:
+    struct Span {
+        std::size_t offset;
+        Text text; // its bytes are elsewhere
+    };
+    std::string bytes_;
+    std::vector<Span> spans_;
+};
+
+/// Reads the source in batches, lets `jobs` threads turn each into a Result by `process`, and hands the
+/// results to `deliver` in the order of the batches, on the calling thread. Memory stays bounded: only a few
+/// batches are under way at a time. A Result whose `outOfMemory` is set may be so because of what other
+/// threads took; its batch is processed again alone. An exception of `process` or of the source is thrown on,
+/// that of the source after the results of all that was read before.
+template <typename Result>
+void processBatches(TextSource& source, unsigned int jobs,
+                    std::function<Result(std::vector<Text> const&)> const& process,
+                    std::function<void(Result const&)> const& deliver)
+{
+    struct Work {
+        TextBatch batch;
+        Result result;
+        std::exception_ptr failure;
+        bool done = false;
+    };
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::deque<std::unique_ptr<Work>> under_way; // in the order of the texts
+    std::size_t next = 0;                        // of under_way: not taken by a thread yet
+    bool ended = false;
+    std::shared_mutex memory;
+
+    auto const processOne = [&](Work& work) {
+        try {
+            {
+                std::shared_lock<std::shared_mutex> const with_others(memory);
+                work.result = process(work.batch.texts());
+            }
+            if (work.result.outOfMemory) {
+                std::unique_lock<std::shared_mutex> const alone(memory);
+                work.result = process(work.batch.texts());
+            }
+        } catch (...) {
+            work.failure = std::current_exception();
+        }
+    };
+    auto const worker = [&] {
+        std::unique_lock<std::mutex> lock(mutex);
+        for (;;) {
+            changed.wait(lock, [&] { return ended || next < under_way.size(); });
+            if (next == under_way.size())
+                return;
+            Work& work = *under_way[next++];
+            lock.unlock();
+            processOne(work);
+            lock.lock();
+            work.done = true;
+            changed.notify_all();
+        }
+    };
+
+    std::vector<std::thread> threads;
+    auto const stop = [&] {
+        {
+            std::lock_guard<std::mutex> const lock(mutex);
+            ended = true;
+            next = under_way.size();
+        }
+        changed.notify_all();
+        for (std::thread& thread : threads)
+            thread.join();
+    };
+    auto const deliverFirst = [&] {
+        std::unique_ptr<Work> first;
+        {
+            std::unique_lock<std::mutex> lock(mutex);
+            changed.wait(lock, [&] { return under_way.front()->done; });
+            first = std::move(under_way.front());
+            under_way.pop_front();
+            --next;
+        }
+        if (first->failure)
+            std::rethrow_exception(first->failure);
+        deliver(first->result);
+    };
+    try {
+        for (unsigned int i = 0; i < jobs; ++i)
+            threads.emplace_back(worker);
+        std::exception_ptr unreadable;
+        while (!unreadable) {
+            auto work = std::make_unique<Work>();
+            try {
+                if (!work->batch.fill(source))
+                    break;
+            } catch (...) {
+                unreadable = std::current_exception(); // after what was read before it
+            }
+            bool full = false;
+            {
+                std::lock_guard<std::mutex> const lock(mutex);
+                under_way.push_back(std::move(work));
+                full = under_way.size() > 2 * std::size_t{jobs};
+            }
+            changed.notify_all();
+            if (full)
+                deliverFirst();
+        }
+        while (!under_way.empty())
+            deliverFirst();
+        if (unreadable)
+            std::rethrow_exception(unreadable);
+    } catch (...) {
+        stop();
+        throw;
+    }
+    stop();
+}
+
+} // namespace ZelkMsg
