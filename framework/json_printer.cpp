@@ -407,7 +407,11 @@ void printText(Element const& tree, std::ostream& stream)
         throw failure();
     Printer printer;
     std::string_view const text = printer.print(tree);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    try {
+        stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    } catch (...) { // what the stream's buffer threw, if the stream passes it on
+        throw failure();
+    }
     if (!stream.good())
         throw failure();
 }
