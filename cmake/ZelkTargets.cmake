@@ -16,6 +16,10 @@ function(zelk_compile_options target)
     target_compile_options(${target} PRIVATE -fsanitize=${ZELK_SANITIZE} -fno-omit-frame-pointer
       -fno-sanitize-recover=all)
     target_link_options(${target} PRIVATE -fsanitize=${ZELK_SANITIZE})
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+      # g++ loses track of which member of a union is alive through the checks that sanitizers add.
+      target_compile_options(${target} PRIVATE -Wno-maybe-uninitialized)
+    endif()
   endif()
 endfunction()
 

@@ -147,7 +147,7 @@ int main(int argc, char** argv)
     try {
         LineSocket const door = LineSocket::listenAt(argv[1]);
         std::cout << "listening" << std::endl;
-        do {
+        while (true) {
             try {
                 LineSocket client = door.accept();
                 Conversation conversation;
@@ -156,7 +156,9 @@ int main(int argc, char** argv)
             } catch (std::system_error const& e) {
                 std::cerr << "door_service: client lost: " << e.what() << "\n";
             }
-        } while (!once);
+            if (once)
+                return 0;
+        }
     } catch (std::exception const& e) {
         std::cerr << "door_service: " << e.what() << "\n";
         return 1;

@@ -61,6 +61,7 @@ void ReflectorBase::throwIfUninited(std::string const& where) const
 // ---- MirroredObject
 // -----------------------------------------------------------------------------------------
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned, each record keeps its own fields
 MirroredObject::MembersStorage& MirroredObject::MembersStorage::operator=(MembersStorage const&) noexcept
 {
     return *this;

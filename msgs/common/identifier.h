@@ -17,7 +17,7 @@ public:
     explicit Identifier(unsigned long long value) noexcept;
     Identifier(Identifier const&) = default;
     Identifier& operator=(Identifier const&) = default;
-    ~Identifier();
+    ~Identifier(); // NOLINT(performance-trivially-destructible): programs link with it
 
     /// The value that it was built from.
     operator unsigned long long() const noexcept;

@@ -92,6 +92,7 @@ private:
 
 /// A command that is its global event id and nothing else, and the base of those that add a payload to it.
 template <int N>
+// NOLINTNEXTLINE(cppcoreguidelines-virtual-class-destructor): virtual by a base that depends on N
 class ZELK_EXPORT NormalGlobalEventCommand : public StateCommandWithGlobalEventId<N> {
 public:
     /// Command id 0, empty client name.

@@ -18,6 +18,7 @@ InfoRequestData::InfoRequestData(bool attribInfo)
     : StateName(this, "StateName", false), AttribInfo(this, "AttribInfo", true, attribInfo)
 {}
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value in the signature that programs link with
 InfoRequestData::InfoRequestData(std::string stateName, bool attribInfo) : InfoRequestData(attribInfo)
 {
     StateName = stateName;
@@ -35,6 +36,7 @@ InfoRequestData::~InfoRequestData() = default;
 // ---- InfoResponseData
 // ---------------------------------------------------------------------------------------
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): by value in the signature that programs link with
 InfoResponseData::InfoResponseData(std::string stateName) : StateName(this, "StateName", true, stateName) {}
 
 InfoResponseData::InfoResponseData(InfoResponseData const& other) : InfoResponseData(std::string())
