@@ -17,21 +17,21 @@ Serializable::~Serializable() = default;
 
 void Serializable::toJson(std::ostream& stream) const
 {
-    Loan tree;
+    Loan tree(*this);
     copyToMetaData(tree);
     printText(tree, stream);
 }
 
 std::string Serializable::toJsonString() const
 {
-    Loan tree;
+    Loan tree(*this);
     copyToMetaData(tree);
     return printText(tree);
 }
 
 void Serializable::moveToJson(std::ostream& stream)
 {
-    Loan tree;
+    Loan tree(*this);
     moveToMetaData(tree);
     printText(tree, stream);
     tree.keep();
@@ -39,7 +39,7 @@ void Serializable::moveToJson(std::ostream& stream)
 
 std::string Serializable::moveToJsonString()
 {
-    Loan tree;
+    Loan tree(*this);
     moveToMetaData(tree);
     std::string text = printText(tree);
     tree.keep();
@@ -92,7 +92,7 @@ void PartiallyDeserializable::fromJson(std::istream& stream)
 void PartiallyDeserializable::copyToMetaData(Element& target) const
 {
     copyToInternalMetaData();
-    if (Loan* const loan = Loan::of(target))
+    if (Loan* const loan = Loan::of(target, *this))
         loan->borrow(internal_);
     else
         target = internal_;
@@ -107,7 +107,7 @@ void PartiallyDeserializable::copyFromMetaData(Element const& source)
 void PartiallyDeserializable::moveToMetaData(Element& target)
 {
     moveToInternalMetaData();
-    if (Loan* const loan = Loan::of(target))
+    if (Loan* const loan = Loan::of(target, *this))
         loan->borrow(internal_);
     else
         target = std::move(internal_);
