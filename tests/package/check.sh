@@ -177,14 +177,24 @@ product_on_platform() {
     mkdir -p "$tree/msgs"
     cp -a "$source_dir/CMakeLists.txt" "$source_dir/cmake" "$source_dir/docs" "$tree"
     cp -a "$source_dir/msgs/CMakeLists.txt" "$source_dir/msgs/legacystate" "$source_dir/msgs/msgidstate" "$tree/msgs"
-    configure "$build" "$tree" "$1" 17 -DZELK_SIBLINGS_PREFIX="$2" -DZELK_BUILD_TESTS=OFF -DZELK_BUILD_TOOLS=OFF \
-        -DZELK_BUILD_EXAMPLES=OFF -DZELK_WARNINGS_AS_ERRORS=ON -DCMAKE_INSTALL_LIBDIR=lib \
-        -DCMAKE_INSTALL_PREFIX="$prefix"
+    configure "$build" "$tree" "$1" 17 -DZELK_SIBLINGS_PREFIX="$2" -DZELK_WARNINGS_AS_ERRORS=ON \
+        -DCMAKE_INSTALL_LIBDIR=lib -DCMAKE_INSTALL_PREFIX="$prefix"
     cmake --build "$build" -j "$jobs"
     cmake --install "$build"
     [ -z "$(find "$prefix" -name '*ZelkCore*' -o -name '*MessagesCommon*' -o -name framework -o -name common)" ] ||
         return 1
     mv "$prefix" "$3"
+}
+
+# In the whole tree, the other two libraries stay out of it too: every header of theirs is the platform's.
+whole_tree_on_platform() {
+    local build=$work/whole-tree-$1
+    configure "$build" "$source_dir" "$1" 17 -DZELK_SIBLINGS_PREFIX="$2" -DZELK_INSTALL=OFF
+    cmake --build "$build" -j "$jobs"
+    ninja -C "$build" -t deps >"$work/deps"
+    grep "$build/siblings/framework/element.h" "$work/deps" >/dev/null
+    grep "$build/siblings/msgs/common/message.h" "$work/deps" >/dev/null
+    ! grep -E "$source_dir/(framework|msgs/common)/" "$work/deps"
 }
 
 # The program finds the state messages in their prefix and the platform's libraries in theirs.
@@ -229,6 +239,7 @@ for compiler in $compilers; do
     product=$work/moved/$compiler/product
     rm -rf "$prefix"
     step "$compiler: the state messages alone, built against it" product_on_platform "$compiler" "$platform" "$product"
+    step "$compiler: the whole tree, built against it" whole_tree_on_platform "$compiler" "$platform"
     step "$compiler: a program on the platform" consumer_on_platform "$compiler" "$platform" "$product"
     step "$compiler: an incomplete platform is refused" incomplete_platform_is_refused "$compiler"
 done
