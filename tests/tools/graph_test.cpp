@@ -132,3 +132,84 @@ TEST(Graph, DrawsTheLastStateSpaceUnlessToldOtherwise)
     EXPECT_EQ(third.status, 2);
     EXPECT_EQ(third.err, "zelk-msg: <stdin>: there are only 2 state spaces\n");
 }
+
+TEST(Graph, GivesLoopsOfOneStateDifferentSidesOrOneLabel)
+{
+    std::string const a = transition("A", "x", 1, "A");
+    std::string const b = transition("A", "y", 2, "A");
+    Result const two = graph(space(a + "," + b));
+    EXPECT_THAT(two.out, HasSubstr("s0 -> s0 [label=\" x \\n 1 t \"];\n"));
+    EXPECT_THAT(two.out, HasSubstr("s0 -> s0 [label=\" y \\n 1 t \", tailport=w, headport=w];\n"));
+    Result const three = graph(space(a + "," + b + "," + transition("A", "z", 3, "A")));
+    EXPECT_THAT(three.out, HasSubstr("s0 -> s0 [label=\" x \\n 1 t \\n y \\n 1 t \\n z \\n 1 t \"];\n"));
+}
+
+struct Drawing {
+    char const* name;
+    std::vector<std::string> arguments;
+    char const* expectedFile;
+};
+
+void PrintTo(Drawing const& drawing, std::ostream* stream)
+{
+    *stream << drawing.name;
+}
+
+class GraphMarksOddities : public testing::TestWithParam<Drawing> {};
+
+TEST_P(GraphMarksOddities, InEveryLanguage)
+{
+    std::vector<std::string> arguments{"graph", "odd-player.json"};
+    arguments.insert(arguments.end(), GetParam().arguments.begin(), GetParam().arguments.end());
+    Result const result = zelkMsg(arguments);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, expected(GetParam().expectedFile));
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, GraphMarksOddities,
+                         testing::Values(Drawing{"Dot", {}, "graph-odd-player.dot"},
+                                         Drawing{"Mermaid", {"--format", "mermaid"}, "graph-odd-player.mmd"},
+                                         Drawing{
+                                             "PlantUml", {"--format", "plantuml"}, "graph-odd-player.puml"}),
+                         [](auto const& one) { return one.param.name; });
+
+TEST(GraphLint, NamesUnreachableStatesDeadEndsAndAmbiguousEvents)
+{
+    Result const result = zelkMsg({"graph", "--lint", "odd-player.json"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "unreachable: no way leads from Stopped to Service <&> test\n"
+                          "dead end: no transition leads from Broken \"disc\" to another state\n"
+                          "non-deterministic: in Stopped the event play (1) leads to Playing (transition 1), "
+                          "Loading (transition 2)\n");
+}
+
+TEST(GraphLint, HasNothingToSayOfTheDoor)
+{
+    Result const result = zelkMsg({"graph", "--lint", door});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(GraphLint, TellsEventsApartByNumberAndName)
+{
+    auto const lint = [](std::string const& second) {
+        return graph(space(transition("A", "x", 1, "B") + "," + second + "," + transition("B", "y", 9, "A") +
+                           "," + transition("C", "y", 9, "A")),
+                     {"--lint"});
+    };
+    EXPECT_EQ(lint(transition("A", "x", 1, "C")).status, 1);
+    EXPECT_EQ(lint(transition("A", "x", 2, "C")).status, 0);
+    EXPECT_EQ(lint(transition("A", "z", 1, "C")).status, 0);
+}
+
+TEST(GraphLint, StartsFromTheNamedState)
+{
+    std::string const chain = space(transition("A", "x", 1, "B") + "," + transition("B", "x", 1, "C") + "," +
+                                    transition("C", "x", 1, "B"));
+    EXPECT_EQ(graph(chain, {"--lint"}).out, "");
+    EXPECT_EQ(graph(chain, {"--lint", "--initial", "B"}).out, "unreachable: no way leads from B to A\n");
+    Result const unknown = graph(chain, {"--lint", "--initial", "D"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err, "zelk-msg: no state is called 'D'\n");
+}

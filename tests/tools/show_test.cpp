@@ -3,7 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
+#include <cstdio>
 #include <string>
+#include <thread>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace ZelkTest;
 using testing::HasSubstr;
@@ -209,7 +216,8 @@ TEST(Show, TellsEveryKindByItsEnvelopeIdAndMembers)
         {R"({"clientname":"c","commandid":1,"id":4294967293,"value":1})", "EnableLogModeCommand  command"},
         {R"({"clientname":"c","commandid":1,"eventlist":{"ids":[]},"filterlist":{"type":[],"freq":[]}})",
          "RegisterCommand  command"},
-        {R"({"clientname":"c","commandid":1,"filterlist":{"freq":[],"type":[]}})", "RegisterCommand  command"},
+        {R"({"clientname":"c","commandid":1,"filterlist":{"freq":[],"type":[]}})",
+         "RegisterCommand  command"},
         {R"({"clientname":"c","commandid":1,"eventlist":{"ids":[1.5,true]}})", "UnregisterCommand  command"},
         {R"({"header":"","body":{"id":5}})", "StateResponse  response"},
         {R"({"header":"","body":{"id":4294967287,"statelist":[]}})", "StateSpaceMetaDataResponse  response"},
@@ -251,4 +259,147 @@ TEST(Show, EndsQuietlyWhenNobodyReadsItsOutput)
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.out, "<stdin>:1  NormalGlobalEventCommand<-10>  command\n");
+}
+
+TEST(ShowKind, ShowsOnlyMessagesOfTheNamedKinds)
+{
+    Setting setting;
+    setting.folder = conversations;
+    Result const result =
+        zelkMsg({"show", "--kind", "enablelogmodecommand", "--kind", "InfoResponse", "door.jsonl"}, setting);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, expected("show-kinds-door.txt"));
+}
+
+TEST(ShowKind, SuggestsTheNearestKind)
+{
+    Result const result = show("", {"--kind", "RegisterComand"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err,
+              "zelk-msg: no kind of message is called 'RegisterComand'; did you mean 'RegisterCommand'?\n");
+}
+
+TEST(ShowGrep, FindsMembersByNamePathAndPattern)
+{
+    struct Case {
+        char const* condition;
+        char const* lines; ///< of the messages that are found
+    };
+    Case const cases[] = {
+        {"clientname=building-monitor", "9 19 21"},
+        {"clientname=*monitor", "9 19 21"},
+        {"eventid=12", "5"},
+        {"/id=-3", "19 21"},
+        {"/body/id=-9", "5"},
+        {"value=true", "19"},
+        {"ids=[3,4,*", "6 22"},
+        {"StateName=Open", "18"},
+        {"clientname=nobody", ""},
+    };
+    for (Case const& one : cases) {
+        Result const result = zelkMsg({"show", "--grep", one.condition, "door.jsonl"}, [] {
+            Setting setting;
+            setting.folder = conversations;
+            return setting;
+        }());
+        EXPECT_EQ(result.status, 0);
+        std::string lines;
+        for (std::size_t at = 0; (at = result.out.find("door.jsonl:", at)) != std::string::npos;) {
+            at += std::string("door.jsonl:").size();
+            lines += (lines.empty() ? "" : " ") + result.out.substr(at, result.out.find(' ', at) - at);
+        }
+        EXPECT_EQ(lines, one.lines) << one.condition;
+    }
+}
+
+TEST(ShowGrep, WantsAllConditionsToHold)
+{
+    std::string const other = R"({"clientname":"ui","commandid":5})";
+    Result const result = show(good + "\n" + other, {"--grep", "clientname=ui", "--grep", "commandid=5"});
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:2  StateCommand"));
+    EXPECT_THAT(result.out, Not(HasSubstr("<stdin>:1")));
+}
+
+TEST(ShowGrep, RefusesAConditionWithoutAKey)
+{
+    EXPECT_EQ(show("", {"--grep", "=x"}).err, "zelk-msg: --grep wants KEY=VALUE, not '=x'\n");
+    EXPECT_EQ(show("", {"--grep", "x"}).status, 2);
+}
+
+TEST(ShowStats, CountsByKindAndClientAndByReason)
+{
+    Result const result =
+        zelkMsg({"show", "--stats", "refused.jsonl", ZELK_EXAMPLES_DIR "/conversations/door.jsonl"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out, expected("show-stats.txt"));
+}
+
+TEST(ShowJson, PrintsWhatWasReadIndented)
+{
+    Result const result = show(
+        R"({"commandid":0,"clientname":"ui","eventlist":{"ids":[1,2]},"extra":[{"a":null},[]]})", {"--json"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "{\n"
+                          "  \"clientname\": \"ui\",\n"
+                          "  \"commandid\": 0,\n"
+                          "  \"eventlist\": {\n"
+                          "    \"ids\": [1,2]\n"
+                          "  },\n"
+                          "  \"extra\": [\n"
+                          "    {\n"
+                          "      \"a\": null\n"
+                          "    },\n"
+                          "    []\n"
+                          "  ]\n"
+                          "}\n");
+}
+
+TEST(ShowJson, CanBeReadAgain)
+{
+    Setting setting;
+    setting.folder = conversations;
+    std::string const json = zelkMsg({"show", "--json", "door.jsonl"}, setting).out;
+    EXPECT_EQ(show(json, {"--json"}).out, json);
+}
+
+TEST(ShowFollow, ShowsWhatIsAddedToTheFile)
+{
+    TemporaryFile const file(good + "\n{\"clientname\":\"late\",");
+    TemporaryFile const out;
+    pid_t const child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        if (std::freopen(out.path().c_str(), "w", stdout) == nullptr)
+            ::_exit(126);
+        ::execl(ZELK_MSG_PATH, "zelk-msg", "show", "--follow", file.path().c_str(), nullptr);
+        ::_exit(127);
+    }
+    auto const waitFor = [&](std::string const& text) {
+        auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (contentOf(out.path()).find(text) == std::string::npos) {
+            if (std::chrono::steady_clock::now() > deadline)
+                return false;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        return true;
+    };
+    EXPECT_TRUE(waitFor(":1  Normal"));
+    EXPECT_EQ(contentOf(out.path()).find("late"), std::string::npos);
+    file.append("\"commandid\":0,\"id\":-6}\n");
+    EXPECT_TRUE(waitFor("clientname  late"));
+    file.append(good + "\n");
+    EXPECT_TRUE(waitFor(":3  Normal"));
+    ::kill(child, SIGTERM);
+    ::waitpid(child, nullptr, 0);
+}
+
+TEST(Show, RefusesAnEventWithAParameterWithoutTakingMemory)
+{
+    Result const result = zelkMsg({"show", "--kind", "MetaDataResponse", "refused.jsonl"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out,
+                HasSubstr("refused.jsonl:14  refused  MetaDataResponse\n"
+                          "    /body/eventlist/0/param0_name: an event with a parameter cannot be "
+                          "received: reading it goes on until memory is exhausted\n"));
 }

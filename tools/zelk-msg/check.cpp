@@ -222,7 +222,7 @@ void addCheck(CLI::App& program, Run& run)
         "Examples:\n"
         "  zelk-msg check traffic.jsonl\n"
         "  zelk-msg check --strict -j 0 big.jsonl\n"
-        "  my-client --dry-run | zelk-msg check --quiet && echo good\n"
+        "  my-client | zelk-msg check --quiet && echo good\n"
         "\n"
         "Exit status: 0 every message is fine, 1 some are refused or differ, 2 trouble.");
     command->callback(

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace ZelkMsg {
 
@@ -58,6 +59,23 @@ std::string dotText(std::string_view text)
     return result;
 }
 
+/// Two lines: the event, and the transition below it.
+std::string dotLabel(StateGraph::Transition const& transition)
+{
+    return ' ' + dotText(eventText(transition)) + " \\n " + dotText(transitionText(transition)) + ' ';
+}
+
+std::string dotEdge(StateGraph::Transition const& transition, std::string const& label, bool ambiguous,
+                    std::string const& where)
+{
+    std::string text = "    " + stateId(transition.from) + " -> " + stateId(transition.to) + " [label=\"" +
+                       label + '"' + where;
+    if (ambiguous)
+        text +=
+            ", color=\"#c0202c\", fontcolor=\"#c0202c\", penwidth=1.6, labeltooltip=\"non-deterministic\"";
+    return text + "];\n";
+}
+
 /// Text for Mermaid labels: what has a meaning there is written as its number.
 std::string mermaidText(std::string_view text)
 {
@@ -73,12 +91,16 @@ std::string mermaidText(std::string_view text)
     return result.empty() ? "#8203;" : result;
 }
 
-/// Text for PlantUML labels: what has a meaning there is written as its number.
+/// Text for PlantUML labels: what has a meaning there, some of it only in pairs, is written as its number.
 std::string plantUmlText(std::string_view text)
 {
     std::string result;
+    char previous = '\0';
     for (char const c : withoutControls(text)) {
-        bool const special = std::string_view("\"<>&#*_~-/\\[]{}|").find(c) != std::string_view::npos;
+        bool const special =
+            std::string_view("\"<>&~\\[]{}|").find(c) != std::string_view::npos ||
+            (c == previous && std::string_view("*_-/#=.^").find(c) != std::string_view::npos);
+        previous = c;
         if (special)
             result += "&#" + std::to_string(static_cast<unsigned char>(c)) + ';';
         else
@@ -111,13 +133,29 @@ std::string dotDrawing(StateGraph const& graph)
                     " fontcolor=\"#777777\", tooltip=\"unreachable\"";
         text += "];\n";
     }
+    // Loops beyond the second would lie on each other: then all of a state share one, with their labels below
+    // each other.
+    std::vector<std::vector<StateGraph::Transition const*>> loops(states.size());
     for (auto const& transition : graph.transitions()) {
-        text += "    " + stateId(transition.from) + " -> " + stateId(transition.to) + " [label=\" " +
-                dotText(eventText(transition)) + " \\n " + dotText(transitionText(transition)) + " \"";
-        if (transition.ambiguous)
-            text += ", color=\"#c0202c\", fontcolor=\"#c0202c\", penwidth=1.6, "
-                    "labeltooltip=\"non-deterministic\"";
-        text += "];\n";
+        if (transition.from == transition.to)
+            loops[transition.from].push_back(&transition);
+        else
+            text += dotEdge(transition, dotLabel(transition), transition.ambiguous, "");
+    }
+    for (auto const& group : loops) {
+        if (group.size() <= 2) {
+            for (auto const* const loop : group)
+                text += dotEdge(*loop, dotLabel(*loop), loop->ambiguous,
+                                loop == group.front() ? "" : ", tailport=w, headport=w");
+            continue;
+        }
+        std::string label;
+        bool ambiguous = false;
+        for (auto const* const loop : group) {
+            label += (label.empty() ? "" : "\\n") + dotLabel(*loop);
+            ambiguous = ambiguous || loop->ambiguous;
+        }
+        text += dotEdge(*group.front(), label, ambiguous, "");
     }
     return text + "}\n";
 }

@@ -50,9 +50,10 @@ std::string didYouMean(std::string const& word, std::vector<std::string> const& 
 {
     constexpr std::size_t longest = 64;
     std::string const* best = nullptr;
-    std::size_t best_strangeness = std::max<std::size_t>(2, word.size() / 3) + 1;
-    if (word.size() > longest)
+    if (word.empty() || word.size() > longest)
         return "";
+    // A third of the letters may be wrong, or two, but not all.
+    std::size_t best_strangeness = std::min(std::max<std::size_t>(2, word.size() / 3), word.size() - 1) + 1;
     for (std::string const& candidate : known) {
         std::size_t const here = strangeness(word, candidate);
         if (here < best_strangeness) {
