@@ -79,6 +79,7 @@ void Arena::startChunk(std::size_t needed)
     chunk_ = new (memory) Chunk{{workingCount}};
     cursor_ = memory + sizeof(Chunk);
     end_ = memory + size;
+    chunkSize_ = std::min(4 * chunkSize_, largestChunk);
 }
 
 void Arena::leaveChunk() noexcept

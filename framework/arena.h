@@ -20,7 +20,8 @@ struct Chunk;
 
 class Arena {
 public:
-    /// An arena for about `expected` bytes in all; nothing is allocated before the first piece.
+    /// An arena for about `expected` bytes in all; further chunks are larger. Nothing is allocated before the
+    /// first piece.
     explicit Arena(std::size_t expected) noexcept;
     Arena(Arena const&) = delete;
     Arena& operator=(Arena const&) = delete;

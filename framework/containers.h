@@ -4,7 +4,7 @@
 /// library, what that needs first, and what is common to both:
 ///
 ///     ObjectStore | head | std::set  | block: next, capacity, used, first member | slot | slot | ... |
-///     ArrayStore  | head | std::deque | first map of the deque | first chunk of the deque             |
+///     ArrayStore  | head | first map of the deque | first chunk of the deque | arena offered | std::deque |
 ///     head        | next store to be destroyed, kind, arena while the container is being read        |
 ///
 /// A slot is a node of the set; further slots come in blocks of their own, linked behind the first. Slots are
@@ -18,6 +18,7 @@
 
 #include <cassert>
 #include <cstdint>
+#include <memory>
 
 namespace Zelk::MetaData::Detail {
 
@@ -90,6 +91,11 @@ struct ArrayStore : StoreHead {
     /// Ends the reading of the array.
     void close() noexcept { arena = nullptr; }
 
+    /// Adds an item for a writer. To the items of a long array it offers an arena, since they are likely to
+    /// become objects, one after the other.
+    Element& grow();
+    static constexpr std::size_t offerThreshold = 16;
+
     /// Memory for the deque: the first map and the first chunk are those of the store itself.
     void* allocate(std::size_t size);
     void deallocate(void* memory) noexcept;
@@ -101,6 +107,7 @@ struct ArrayStore : StoreHead {
     bool chunkTaken = false;
     alignas(void*) char firstMap[firstMapSize];
     alignas(void*) char firstChunk[firstChunkSize];
+    std::unique_ptr<Arena> offered;
     Array::Items items; // last, so that it is constructed when the memory above is ready
 
 private:
@@ -123,6 +130,7 @@ void SlotAllocator<T>::deallocate(T* slot, std::size_t) noexcept
 template <typename T>
 T* ItemAllocator<T>::allocate(std::size_t count)
 {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): for the map of the deque T is a pointer
     return static_cast<T*>(store_->allocate(count * sizeof(T)));
 }
 
@@ -196,6 +204,17 @@ struct TreeAccess {
 
     /// Makes a node empty; hands its container, if it has one, to the caller for destruction.
     static StoreHead* clear(Element& node) noexcept;
+
+    static Arena* offer(Element const& node) noexcept
+    {
+        return node.kind_ == Element::emptyWithOffer ? node.offer_ : nullptr;
+    }
+    static void setOffer(Element& node, Arena& arena) noexcept
+    {
+        node.offer_ = &arena;
+        node.kind_ = Element::emptyWithOffer;
+    }
+    static void withdrawOffer(Element& node) noexcept { node.kind_ = Element::settled(node.kind_); }
 
     static bool takesLoan(Element const& node) noexcept { return node.takesLoan_; }
     static void setTakesLoan(Element& node) noexcept { node.takesLoan_ = true; }

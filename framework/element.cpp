@@ -102,6 +102,20 @@ ArrayStore* ArrayStore::create(Arena* arena)
     return new (allocatePiece(arena, sizeof(ArrayStore))) ArrayStore(arena);
 }
 
+Element& ArrayStore::grow()
+{
+    if (items.size() < offerThreshold)
+        return items.emplace_back();
+    if (offered == nullptr)
+        offered = std::make_unique<Arena>(firstChunkSize);
+    Element& last = items.back();
+    Element& item = items.emplace_back();
+    // Only the newest item may draw on the arena, so that items can be filled by several threads.
+    TreeAccess::withdrawOffer(last);
+    TreeAccess::setOffer(item, *offered);
+    return item;
+}
+
 void* ArrayStore::allocate(std::size_t size)
 {
     if (!chunkTaken && size == firstChunkSize) {
@@ -488,7 +502,7 @@ Element& Array::operator[](unsigned int index)
         store_ = ArrayStore::create(nullptr);
     auto& items = store_->items;
     if (index == items.size())
-        return items.emplace_back();
+        return store_->grow();
     if (index > items.size())
         items.resize(std::size_t{index} + 1);
     return items[index];
@@ -537,7 +551,7 @@ Element& Element::operator=(Element const& other)
 
 Element::~Element()
 {
-    if (kind_ >= string && kind_ != empty)
+    if (!ownsNothing())
         Detail::destroy(TreeAccess::clear(*this));
 }
 
@@ -573,11 +587,13 @@ Element& Element::operator[](std::string const& name)
 {
     if (kind_ == object)
         return object_[name];
-    if (kind_ != empty)
+    if (!isEmpty())
         throwTypeError(object, *this);
     // The node becomes an object only when the member is there; moving the object leaves the member in place.
     Object fresh;
-    Element& member = fresh[name];
+    ObjectStore* const store = TreeAccess::store(fresh) = ObjectStore::create(TreeAccess::offer(*this));
+    store->arena = nullptr;
+    Element& member = TreeAccess::element(store->insert(name));
     TreeAccess::setObject(*this) = std::move(fresh);
     return member;
 }
@@ -598,7 +614,7 @@ Element::operator Object const&() const
 
 Element::operator Object&()
 {
-    if (kind_ == empty)
+    if (isEmpty())
         return TreeAccess::setObject(*this);
     if (kind_ != object)
         throwTypeError(object, *this);
@@ -614,7 +630,7 @@ Element::operator Array const&() const
 
 Element::operator Array&()
 {
-    if (kind_ == empty)
+    if (isEmpty())
         return TreeAccess::setArray(*this);
     if (kind_ != array)
         throwTypeError(array, *this);

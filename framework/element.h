@@ -38,6 +38,7 @@ namespace Zelk::MetaData {
 class Element;
 
 namespace Detail {
+class Arena;
 struct ObjectStore;
 struct ArrayStore;
 struct TreeAccess;
@@ -160,7 +161,8 @@ private:
     Detail::ObjectStore* store_;
 };
 
-/// Nodes in a row, kept in a std::deque: growing at the end leaves references to items valid.
+/// Nodes in a row, kept in a std::deque: growing at the end leaves references to items valid. While one
+/// thread makes an array grow, another may use items of it, except the last.
 class ZELK_EXPORT Array {
 public:
     using Items = std::deque<Element, Detail::ItemAllocator<Element>>;
@@ -245,7 +247,7 @@ public:
     {
         // `other` may be this node or a part of it, so it is taken out before this node lets go.
         if (other.ownsNothing()) {
-            Kind const kind = std::exchange(other.kind_, empty);
+            Kind const kind = settled(std::exchange(other.kind_, empty));
             long long bits;
             std::memcpy(&bits, &other.integer_, sizeof bits);
             if (!ownsNothing())
@@ -263,7 +265,7 @@ public:
     ~Element();
 
     /// The kind of the node, one of Kind.
-    unsigned int GetElementType() const noexcept { return kind_; }
+    unsigned int GetElementType() const noexcept { return settled(kind_); }
 
     /// The value of a boolean node; TypeError on every other kind.
     bool asBoolean() const;
@@ -298,7 +300,14 @@ public:
 private:
     friend struct Detail::TreeAccess;
 
-    bool ownsNothing() const noexcept { return kind_ <= boolean || kind_ == empty; }
+    // An empty node that its array offers memory for the object it may become. The offer stands in the node's
+    // content and never leaves its place: to everyone else the node is empty, and so is whatever it is moved
+    // to.
+    static constexpr Kind emptyWithOffer = static_cast<Kind>(empty + 1);
+    static constexpr Kind settled(Kind kind) noexcept { return kind == emptyWithOffer ? empty : kind; }
+
+    bool isEmpty() const noexcept { return kind_ >= empty; }
+    bool ownsNothing() const noexcept { return kind_ <= boolean || isEmpty(); }
 
     /// Takes the content of `other` into this node, which must own nothing, and leaves `other` empty.
     void take(Element& other) noexcept
@@ -317,7 +326,7 @@ private:
         default:
             std::memcpy(&integer_, &other.integer_, sizeof integer_);
         }
-        kind_ = other.kind_;
+        kind_ = settled(other.kind_);
         other.kind_ = empty;
     }
 
@@ -327,6 +336,7 @@ private:
         std::string string_;
         Object object_;
         Array array_;
+        Detail::Arena* offer_;
     };
     Kind kind_;
     bool takesLoan_ = false; // see framework/loan.h; never copied nor moved

@@ -34,7 +34,7 @@ class Layout:
     MEMBERS_HEADER = 5 * POINTER  # of an object's store: head, allocator, comparison
     MEMBERS_COUNT = MEMBERS_HEADER + 4 * POINTER
     MEMBERS_NODE = 4 * POINTER  # of the tree's own before the member in a node
-    ITEMS_CURSORS = (3 + 8 + 60 + 3) * POINTER  # of an array's store: head, first map, first chunk, start of the deque
+    ITEMS_CURSORS = (3 + 8 + 60 + 1 + 3) * POINTER  # of an array's store: head, first map, first chunk, start of the deque
     CHUNK = 512  # bytes of a deque's chunk at most
 
 
