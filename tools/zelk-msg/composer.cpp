@@ -147,7 +147,7 @@ void Composer::put(Place const& place, std::string const& key, Element value)
 {
     std::string path = place.path;
     if (place.name == "?")
-        path = path.substr(0, path.size() - 1) + key.substr(key.rfind('/') + 1);
+        path.replace(path.size() - 1, 1, key, key.rfind('/') + 1, std::string::npos);
     std::string const name = path.substr(path.rfind('/') + 1);
     if (!place.list) {
         nodeAt(tree_, path) = checkedLeaf(place.type, name, std::move(value));
@@ -231,7 +231,7 @@ Element Composer::finish() const
     } catch (std::runtime_error const& e) {
         throw Trouble(std::string(kind_.name) + " refuses this: " + e.what());
     }
-    Element const written = message->written();
+    Element written = message->written();
     auto const changed = differences(tree_, written);
     if (!changed.empty()) {
         Difference const& first = changed.front();

@@ -139,6 +139,7 @@ int runProgram(int argc, char const* const* argv)
 
 } // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): any other exception is a fault of the program and ends it
 int main(int argc, char** argv)
 {
     // A reader that goes away ends the program, whatever the parent did with the signal.

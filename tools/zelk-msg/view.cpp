@@ -136,6 +136,7 @@ private:
         if (items.empty())
             return;
         std::vector<std::string> row;
+        row.reserve(columns.size());
         for (Member const* const column : columns)
             row.emplace_back(shortName(*column));
         Table table(row);
