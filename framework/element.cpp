@@ -177,7 +177,7 @@ void destroy(StoreHead* pending) noexcept
 
 namespace {
 
-/// Steps through what a container holds.
+/// Steps through what a container holds, which is not empty.
 class Cursor {
 public:
     explicit Cursor(Object const& object) noexcept
@@ -188,8 +188,6 @@ public:
     /// The next node and its name (empty in an array); null at the end.
     Element const* next(std::string_view& name) noexcept
     {
-        if (store_ == nullptr)
-            return nullptr;
         if (!store_->object) {
             auto const& items = static_cast<ArrayStore const*>(store_)->items;
             return index_ == items.size() ? nullptr : &items[index_++];

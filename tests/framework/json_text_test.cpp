@@ -14,6 +14,7 @@
 #include <ios>
 #include <istream>
 #include <limits>
+#include <ostream>
 #include <random>
 #include <sstream>
 #include <stdexcept>
@@ -854,6 +855,35 @@ TEST(ReadText, ReportsAStreamThatFailsWhileItIsRead)
 TEST(ReadText, RefusesAStreamWithoutABuffer)
 {
     std::istream stream(nullptr);
+    EXPECT_THROW(readText(stream), std::ios_base::failure);
+}
+
+TEST(ReadText, ReadsAnArrayOfManyItems)
+{
+    std::string text = "[0";
+    for (int i = 1; i < 40000; ++i)
+        text += "," + std::to_string(i);
+    Element const tree = readText(text + "]");
+    MetaData::Array const& items = tree;
+    ASSERT_EQ(items.size(), 40000U);
+    long long expected = 0;
+    for (Element const& item : items)
+        ASSERT_EQ(item.asInt64(), expected++);
+}
+
+/// What is written to it cannot be passed on, and it says so by an exception.
+class BlockedSink : public std::streambuf {
+protected:
+    int sync() override { throw std::runtime_error("blocked"); }
+};
+
+TEST(ReadText, ReportsAStreamWhoseTiedStreamCannotBeFlushed)
+{
+    BlockedSink sink;
+    std::ostream tied(&sink);
+    tied.exceptions(std::ios_base::badbit);
+    std::istringstream stream("[1]");
+    stream.tie(&tied);
     EXPECT_THROW(readText(stream), std::ios_base::failure);
 }
 
