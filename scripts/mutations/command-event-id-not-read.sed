@@ -1,0 +1,3 @@
+# file: msgs/legacystate/state_command.cpp
+# tests: legacystate_command_tests
+s/setEventId(element<int>("id"));//

@@ -1,0 +1,3 @@
+# file: framework/element.cpp
+# tests: element_test
+s/"floating-point number"/"real"/

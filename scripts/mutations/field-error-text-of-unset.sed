@@ -1,0 +1,3 @@
+# file: framework/mirrored_object.cpp
+# tests: reflector_test
+s/" is not set"/" is unset"/

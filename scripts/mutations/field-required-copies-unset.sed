@@ -1,0 +1,3 @@
+# file: framework/reflector.h
+# tests: reflector_test
+s/if (isRequired())/if (false)/

@@ -1,0 +1,3 @@
+# file: msgs/msgidstate/info.h
+# tests: info_test
+s/"UnknownState"/"Unknown"/

@@ -1,0 +1,3 @@
+# file: framework/element.cpp
+# tests: containers_test element_test
+s/nameA != nameB || //

@@ -1,0 +1,3 @@
+# file: msgs/common/payload_message.h
+# tests: payload_message_test info_test
+s/"Data", true/"Data", false/

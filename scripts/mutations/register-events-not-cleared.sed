@@ -1,0 +1,3 @@
+# file: msgs/legacystate/registration_commands.cpp
+# tests: legacystate_command_tests
+s/events_\.clear();//

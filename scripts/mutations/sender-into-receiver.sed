@@ -1,0 +1,3 @@
+# file: msgs/common/message.cpp
+# tests: message_test
+s/SenderID = sender;/ReceiverID = sender;/
