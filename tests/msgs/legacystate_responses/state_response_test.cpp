@@ -324,12 +324,20 @@ struct Bound {
     static constexpr int id = N;
 };
 
+struct BoundName {
+    template <typename T>
+    static std::string GetName(int index)
+    {
+        return std::to_string(index) + "_bound_to_minus_" + std::to_string(-T::id);
+    }
+};
+
 using BoundResponses =
     ::testing::Types<Bound<StateResponseWithEventId<-1>, -1>, Bound<StateResponseWithEventId<-2>, -2>,
                      Bound<StateResponseWithEventId<-7>, -7>, Bound<StateResponseWithEventId<-9>, -9>,
                      Bound<MetaDataResponse, -1>, Bound<RegisterMessageQueueResponse, -2>,
                      Bound<XmlAttrToEventMappingResponse, -7>, Bound<StateSpaceMetaDataResponse, -9>>;
-TYPED_TEST_SUITE(BoundResponse, BoundResponses);
+TYPED_TEST_SUITE(BoundResponse, BoundResponses, BoundName);
 
 std::string envelope(long long id)
 {
@@ -413,7 +421,7 @@ using CheckedResponses =
     ::testing::Types<Bound<StateResponseWithEventId<-1>, -1>, Bound<StateResponseWithEventId<-7>, -7>,
                      Bound<MetaDataResponse, -1>, Bound<RegisterMessageQueueResponse, -2>,
                      Bound<StateSpaceMetaDataResponse, -9>>;
-TYPED_TEST_SUITE(CheckedResponse, CheckedResponses);
+TYPED_TEST_SUITE(CheckedResponse, CheckedResponses, BoundName);
 
 TYPED_TEST(CheckedResponse, ReadsItsId)
 {
