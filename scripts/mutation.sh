@@ -13,7 +13,7 @@ faults=$PWD/scripts/mutations
 work=$PWD/build/mutation
 tree=$work/tree
 build=$work/build
-longest=120 # seconds that a test program may take; a fault may make it run for ever
+longest=300 # seconds that a test program may take; a fault may make it run for ever
 memory=8388608 # kilobytes, likewise
 
 mapfile -t names < <(cd "$faults" && printf '%s\n' *.sed | sed 's/\.sed$//')

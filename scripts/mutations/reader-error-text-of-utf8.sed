@@ -1,3 +1,3 @@
 # file: framework/json_reader.cpp
-# tests: json_text_test
+# tests: parse_error_test
 s/"expected well-formed UTF-8"/"expected UTF-8"/
