@@ -95,7 +95,8 @@ TEST(TreeMemory, MovesSwapsClearAndDestructionTakeNone)
         a = std::move(a["items"]);
         Object otherObject = std::move(object);
         object = std::move(otherObject);
-        object = std::move(object);
+        Object& same = object;
+        object = std::move(same);
         Array otherArray = std::move(array);
         array = std::move(otherArray);
         object.clear();
