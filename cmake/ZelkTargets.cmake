@@ -47,8 +47,10 @@ function(zelk_library target export_name)
   # Calls inside a library are direct, calls into another skip the lazy-binding stub.
   target_compile_options(${target} PRIVATE -fno-semantic-interposition -fno-plt -ffunction-sections)
   set(exports ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/exports.map)
-  target_link_options(${target} PRIVATE -Wl,--no-undefined -Wl,--gc-sections -Wl,-z,now
-    -Wl,--version-script=${exports})
+  target_link_options(${target} PRIVATE -Wl,--gc-sections -Wl,-z,now -Wl,--version-script=${exports})
+  if(NOT ZELK_SANITIZE) # clang++ leaves the calls of its sanitizers to the program
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${exports})
   zelk_compile_options(${target})
 endfunction()

@@ -7,9 +7,8 @@
 #include <csignal>
 #include <cstdio>
 #include <string>
-#include <thread>
-
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 using namespace ZelkTest;

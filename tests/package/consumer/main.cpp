@@ -1,4 +1,5 @@
-// What a user's program does with all three libraries, in few lines. Exits with 0 when every step came out right.
+// What a user's program does with all three libraries, in few lines. Exits with 0 when every step came out
+// right.
 #include "framework/json_array.h"
 #include "framework/json_text.h"
 #include "framework/reflector.h"
@@ -100,7 +101,8 @@ int main()
     Json::Array<Reading> readings{Reading(-3), Reading(21)};
     Json::Array<Reading> copies;
     copies.fromJsonString(readings.toJsonString());
-    expect(copies.size() == 2 && copies[0].celsius() == -3 && copies[1].celsius() == 21, "a list of own records");
+    expect(copies.size() == 2 && copies[0].celsius() == -3 && copies[1].celsius() == 21,
+           "a list of own records");
 
     if (failures == 0) {
         std::cout << text << '\n';
