@@ -319,6 +319,14 @@ TYPED_TEST(FieldOf, CanBeCopiedFromItself)
     EXPECT_EQ(this->optional(), Values<TypeParam>::other());
 }
 
+TYPED_TEST(FieldOf, TakesAValueThroughItsBase)
+{
+    ReflectorNoWriteParend<TypeParam, true>& base = this->optional;
+    base = Values<TypeParam>::other();
+    EXPECT_TRUE(this->optional.initialized());
+    EXPECT_EQ(this->optional(), Values<TypeParam>::other());
+}
+
 TYPED_TEST(FieldOf, CannotBeConstructedFromAnother)
 {
     static_assert(!std::is_copy_constructible_v<Field<TypeParam>>);

@@ -165,6 +165,15 @@ TEST(SenderIdRequired, DoesNotThrowWhenTheSenderCannotBeRead)
     EXPECT_EQ(written(message), R"({"Data":{"X":1.5},"MsgId":562949953487048})");
 }
 
+TEST(PayloadMessageCopy, IsDeepWithoutASenderToo)
+{
+    Moved source;
+    source.payload().X = 1.5;
+    Moved const copy = source;
+    source.payload().X = 2.5;
+    EXPECT_EQ(written(copy), R"({"Data":{"X":1.5},"MsgId":562949953487048})");
+}
+
 TEST(PayloadMessageCopy, IsDeepAndFollowsTheCopyRuleOfFields)
 {
     MovedBy source({"axis"});
