@@ -24,7 +24,7 @@ for harness in "${harnesses[@]}"; do
     "$build/fuzz/seeds_$harness" --write-seeds "$build/seeds/$harness"
     kept=()
     [ ! -d "fuzz/crashes/$harness" ] || kept=("fuzz/crashes/$harness")
-    if "$build/fuzz/fuzz_$harness" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -print_final_stats=1 \
+    if "$build/fuzz/fuzz_$harness" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -print_final_stats=1 \
         -dict=fuzz/json.dict -artifact_prefix="$crashes/" "$corpus" "$build/seeds/$harness" "${kept[@]}" \
         >"$log" 2>&1; then
         echo "$harness: $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") inputs, nothing found"
