@@ -8,7 +8,7 @@ test=("${run[@]}"
       ccache clang clang-format clang-tidy cppcheck gcovr gdb valgrind pkgconf file
       libgtest-dev libgmock-dev libbenchmark-dev
       nlohmann-json3-dev rapidjson-dev libboost-json1.81-dev libsimdjson-dev libfuzzer-14-dev
-      python3 python3-jsonschema
+      locales python3 python3-jsonschema
       doxygen doxygen-awesome-css abigail-tools
       debhelper pkg-kde-tools lintian fakeroot)
 
