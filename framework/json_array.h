@@ -101,10 +101,17 @@ void Array<T>::copyFromMetaData(MetaData::Element const& source)
     items_.clear();
     items_.reserve(nodes.size());
     for (MetaData::Element const& node : nodes) {
-        if constexpr (std::is_same_v<T, int>)
+        if constexpr (std::is_same_v<T, int>) {
             items_.push_back(MetaData::numberAs<int>(node));
-        else
-            items_.push_back(fromElement<T>(node));
+        } else {
+            Serializable& item = items_.emplace_back();
+            try {
+                item.copyFromMetaData(node);
+            } catch (...) {
+                items_.pop_back();
+                throw;
+            }
+        }
     }
 }
 

@@ -54,14 +54,14 @@ void RegisterCommand::copyFromInternalMetaData()
     MetaData::Array& ids = element("eventlist", "ids");
     MetaData::Array& types = element("filterlist", "type");
     MetaData::Array& frequencies = element("filterlist", "freq");
-    unsigned int const count = ids.size();
-    if (count != types.size() || count != frequencies.size())
+    if (ids.size() != types.size() || ids.size() != frequencies.size())
         throw std::runtime_error("event ids and filter lists do not match");
     events_.clear();
-    events_.reserve(count);
-    for (unsigned int i = 0; i < count; ++i)
-        events_.push_back(
-            Event{low32(ids[i].asInt64()), low32(types[i].asInt64()), frequencies[i].asDouble()});
+    events_.reserve(ids.size());
+    auto type = types.begin();
+    auto frequency = frequencies.begin();
+    for (MetaData::Element const& id : ids)
+        events_.push_back(Event{low32(id.asInt64()), low32((type++)->asInt64()), (frequency++)->asDouble()});
 }
 
 UnregisterCommand::UnregisterCommand() = default;
