@@ -16,7 +16,7 @@ namespace {
 // what is freed in small chunks, and faults every page in again for the next text, but keeps what is freed in
 // large ones.
 constexpr std::size_t smallestChunk = std::size_t{4} << 10;
-constexpr std::size_t largestChunk = std::size_t{1} << 20;
+constexpr std::size_t largestChunk = std::size_t{16} << 20;
 // A piece of this size is better off by itself than at the cost of the rest of a chunk.
 constexpr std::size_t largestPiece = std::size_t{16} << 10;
 
@@ -79,7 +79,7 @@ void Arena::startChunk(std::size_t needed)
     chunk_ = new (memory) Chunk{{workingCount}};
     cursor_ = memory + sizeof(Chunk);
     end_ = memory + size;
-    chunkSize_ = std::min(4 * chunkSize_, largestChunk);
+    chunkSize_ = std::min(2 * chunkSize_, largestChunk);
 }
 
 void Arena::leaveChunk() noexcept

@@ -1,144 +1,160 @@
 /// Where an object keeps its members and an array its items, and the only door to the inside of a node.
 ///
-/// Each container is one piece of memory (framework/arena.h) that holds the container of the standard
-/// library, what that needs first, and what is common to both:
+/// Each container is one piece of memory (framework/arena.h); what does not fit in comes in further pieces:
 ///
-///     ObjectStore | head | std::set  | block: next, capacity, used, first member | slot | slot | ... |
-///     ArrayStore  | head | first map of the deque | first chunk of the deque | arena offered | std::deque |
-///     head        | next store to be destroyed, kind, arena while the container is being read        |
+///     ObjectStore | head | root, first and last of the tree, size | last block | block
+///     block       | next block, capacity, used | slot | slot | ...
+///     slot        | node of a std::set: color, parent, left, right | name | value
 ///
-/// A slot is a node of the set; further slots come in blocks of their own, linked behind the first. Slots are
-/// taken in the order of insertion and never given back singly, so the members can be walked block by block
-/// without touching the tree: small objects are searched that way, and whole trees are destroyed that way,
-/// with the stores still to be destroyed in a list threaded through their heads instead of on the stack.
+///     ArrayStore  | head | places of the chunks | place of the next item | arena offered | item | item | ...
+///     chunk       | item | item | ... twelve, as in a std::deque
+///
+/// The containers are those of the standard library in all that their iterators touch, but not in where they
+/// get their memory from, nor in how they insert:
+///
+/// Slots are taken in the order of insertion and never given back, so the members can be walked block by
+/// block without touching the tree: small objects are searched that way, and whole trees are destroyed that
+/// way, with the stores still to be destroyed in a list threaded through their heads instead of on the stack.
+///
+/// Of the chunk that begins in the store of an array only its end need exist, as if items had been taken off
+/// its front: once it is full the next item goes into a chunk of its own, and no item ever moves.
 #pragma once
 
 #include "framework/arena.h"
 #include "framework/element.h"
 
-#include <cassert>
 #include <cstdint>
 #include <memory>
+#include <string_view>
 
 namespace Zelk::MetaData::Detail {
 
 struct StoreHead {
-    explicit StoreHead(bool isObject, Arena* from) noexcept : arena(from), object(isObject) {}
+    explicit StoreHead(bool isObject) noexcept : object(isObject) {}
 
     StoreHead* nextToDestroy = nullptr;
-    Arena* arena; // null once the container is complete
     bool object;
 };
+
+using MemberNode = std::_Rb_tree_node<Object::Member>;
 
 struct SlotBlock {
     SlotBlock* next;
     std::uint32_t capacity;
     std::uint32_t used;
-    char* firstMember; // the member in the first slot; the others follow at the distance of a slot
-    char* slots() noexcept { return reinterpret_cast<char*>(this + 1); }
+    MemberNode* slots() noexcept { return reinterpret_cast<MemberNode*>(this + 1); }
 };
-
-/// Size of a node of a std::set: four words for the tree, then the member. SlotAllocator checks it.
-constexpr std::size_t slotSize = 4 * sizeof(void*) + sizeof(Object::Member);
 
 struct ObjectStore : StoreHead {
     /// Searching the slots one after the other is faster than descending the tree up to this many members.
-    static constexpr unsigned int linearSearchLimit = 12;
+    static constexpr std::size_t linearSearchLimit = 12;
     static constexpr std::uint32_t firstBlockCapacity = 8;
     static constexpr std::uint32_t largestBlockCapacity = 128;
 
     /// An empty store with room for `capacity` members.
     static ObjectStore* create(Arena* arena, std::uint32_t capacity = firstBlockCapacity);
 
-    Object::Member const* find(std::string_view name) const noexcept;
+    std::size_t size() const noexcept { return tree._M_node_count; }
+    Object::const_iterator begin() const noexcept { return Object::const_iterator(tree._M_header._M_left); }
+    Object::const_iterator end() const noexcept { return Object::const_iterator(&tree._M_header); }
+
+    /// The member of that name, or null.
+    MemberNode* find(std::string_view name) noexcept;
 
     /// The member of that name, inserted as an empty node when there is none. Throws std::bad_alloc, and
     /// nothing has changed then. Costs one comparison when `name` comes after all others.
-    Object::Member const& insert(std::string_view name);
+    Object::Member& insert(std::string_view name, Arena* arena);
 
-    /// Ends the reading of the object: gives back slots that were not needed.
-    void close() noexcept;
+    /// Gives slots that are not needed back to the arena they came from, if that is still possible.
+    void trim(Arena& arena) noexcept;
 
     template <typename Visit>
-    void forEachSlot(Visit visit) const
+    void forEachSlot(Visit visit)
     {
-        for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next) {
-            char* member = block->firstMember;
-            for (std::uint32_t i = 0; i < block->used; ++i, member += slotSize)
-                visit(*reinterpret_cast<Object::Member*>(member));
-        }
+        for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
+            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
+                visit(*slot);
     }
 
-    void* takeSlot() noexcept;
-    void returnSlot(void* slot) noexcept;
+    SlotBlock* firstBlock() noexcept { return reinterpret_cast<SlotBlock*>(this + 1); }
 
-    Object::Tree tree;
+    std::_Rb_tree_header tree;
     SlotBlock* lastBlock;
 
 private:
-    friend struct TreeAccess;
-    ObjectStore(Arena* arena, std::uint32_t capacity) noexcept;
-    SlotBlock* firstBlock() const noexcept
-    {
-        return reinterpret_cast<SlotBlock*>(const_cast<ObjectStore*>(this) + 1);
-    }
-    void addBlock();
+    explicit ObjectStore(std::uint32_t capacity) noexcept;
 };
 
 struct ArrayStore : StoreHead {
-    static ArrayStore* create(Arena* arena);
+    static constexpr std::size_t chunkItems = std::__deque_buf_size(sizeof(Element));
+    static constexpr std::size_t firstCapacity = 4;
 
-    /// Ends the reading of the array.
-    void close() noexcept { arena = nullptr; }
+    /// An empty store with room for `capacity` items, 1 to `chunkItems`.
+    static ArrayStore* create(Arena* arena, std::size_t capacity = firstCapacity);
 
-    /// Adds an item for a writer. To the items of a long array it offers an arena, since they are likely to
-    /// become objects, one after the other.
+    std::size_t size() const noexcept
+    {
+        return chunkItems * chunks - static_cast<std::size_t>(chunkEnd - next) - missing;
+    }
+    Element& at(std::size_t index) noexcept
+    {
+        index += missing;
+        return places[index / chunkItems][index % chunkItems];
+    }
+    Array::const_iterator begin() const noexcept { return {places[0] + missing, places}; }
+    Array::const_iterator end() const noexcept
+    {
+        // Behind a full chunk the end is the beginning of the next one, though there is none.
+        return next == chunkEnd ? Array::const_iterator(places[chunks], places + chunks)
+                                : Array::const_iterator(next, places + chunks - 1);
+    }
+
+    /// Adds an empty item. Throws std::bad_alloc, and nothing has changed then.
+    Element& append(Arena* arena)
+    {
+        if (next == chunkEnd)
+            addChunk(arena);
+        return *new (next++) Element;
+    }
+
+    /// Adds an item for a writer. In a long array it offers an arena to an item that follows an object, since
+    /// it is likely to become one as well.
     Element& grow();
-    static constexpr std::size_t offerThreshold = 16;
+    static constexpr std::uint32_t offeringChunks = 3;
 
-    /// Memory for the deque: the first map and the first chunk are those of the store itself.
-    void* allocate(std::size_t size);
-    void deallocate(void* memory) noexcept;
+    /// Grows to `count` items. Throws std::bad_alloc, and nothing has changed then.
+    void growTo(std::size_t count);
 
-    static constexpr std::size_t firstMapSize = 8 * sizeof(void*);
-    static constexpr std::size_t firstChunkSize = 512 / sizeof(Element) * sizeof(Element);
+    /// Gives places of items that are not needed back to the arena they came from, if that is still possible.
+    void trim(Arena& arena) noexcept;
 
-    bool mapTaken = false;
-    bool chunkTaken = false;
-    alignas(void*) char firstMap[firstMapSize];
-    alignas(void*) char firstChunk[firstChunkSize];
+    /// Frees what stands outside the store.
+    void releaseChunks() noexcept;
+
+    template <typename Visit>
+    void forEachItem(Visit visit)
+    {
+        for (std::uint32_t chunk = 0; chunk != chunks; ++chunk) {
+            Element* const end = chunk + 1 == chunks ? next : places[chunk] + chunkItems;
+            for (Element* item = places[chunk] + (chunk == 0 ? missing : 0); item != end; ++item)
+                visit(*item);
+        }
+    }
+
+    std::uint8_t missing; // items at the front of the first chunk that do not exist
+    std::uint32_t chunks = 1;
+    // Of each chunk, and one place behind them. Room for a power of two: as many as the last chunk needed.
+    Element** places = firstPlaces;
+    Element* next; // place of the next item, in the last chunk
+    Element* chunkEnd;
     std::unique_ptr<Arena> offered;
-    Array::Items items; // last, so that it is constructed when the memory above is ready
+    Element* firstPlaces[2];
 
 private:
-    explicit ArrayStore(Arena* arena);
+    explicit ArrayStore(std::size_t capacity) noexcept;
+    Element* firstItem() noexcept { return reinterpret_cast<Element*>(this + 1); }
+    void addChunk(Arena* arena);
 };
-
-template <typename T>
-T* SlotAllocator<T>::allocate(std::size_t)
-{
-    static_assert(sizeof(T) <= slotSize, "a slot holds a node of the set");
-    return static_cast<T*>(store_->takeSlot());
-}
-
-template <typename T>
-void SlotAllocator<T>::deallocate(T* slot, std::size_t) noexcept
-{
-    store_->returnSlot(slot);
-}
-
-template <typename T>
-T* ItemAllocator<T>::allocate(std::size_t count)
-{
-    // NOLINTNEXTLINE(bugprone-sizeof-expression): for the map of the deque T is a pointer
-    return static_cast<T*>(store_->allocate(count * sizeof(T)));
-}
-
-template <typename T>
-void ItemAllocator<T>::deallocate(T* items, std::size_t) noexcept
-{
-    store_->deallocate(items);
-}
 
 /// The inside of nodes, for the code that builds, walks and destroys trees.
 struct TreeAccess {
@@ -156,7 +172,8 @@ struct TreeAccess {
     static long long integer(Element const& node) noexcept { return node.integer_; }
     static double real(Element const& node) noexcept { return node.real_; }
 
-    static Element& element(Object::Member const& member) noexcept { return member.element_; }
+    static Element& element(Object::Member& member) noexcept { return member.element_; }
+    static void destroyName(Object::Member& member) noexcept { member.name_.~basic_string(); }
 
     // For a node that owns nothing.
     static void setInteger(Element& node, long long value) noexcept
@@ -179,11 +196,6 @@ struct TreeAccess {
         new (&node.string_) std::string(text, size);
         node.kind_ = Element::string;
     }
-    static void setString(Element& node, std::string&& text) noexcept
-    {
-        new (&node.string_) std::string(std::move(text));
-        node.kind_ = Element::string;
-    }
     static Object& setObject(Element& node) noexcept
     {
         new (&node.object_) Object;
@@ -197,13 +209,17 @@ struct TreeAccess {
         return node.array_;
     }
 
-    static SlotBlock* blocksBehindFirst(ObjectStore const& store) noexcept
-    {
-        return store.firstBlock()->next;
-    }
+    /// Ends what a node holds, which is none of its business afterwards; hands its container, if it has one,
+    /// to the caller for destruction.
+    static StoreHead* release(Element& node) noexcept;
 
     /// Makes a node empty; hands its container, if it has one, to the caller for destruction.
-    static StoreHead* clear(Element& node) noexcept;
+    static StoreHead* clear(Element& node) noexcept
+    {
+        StoreHead* const store = release(node);
+        node.kind_ = Element::empty;
+        return store;
+    }
 
     static Arena* offer(Element const& node) noexcept
     {
@@ -220,33 +236,22 @@ struct TreeAccess {
     static void setTakesLoan(Element& node) noexcept { node.takesLoan_ = true; }
 };
 
-inline StoreHead* TreeAccess::clear(Element& node) noexcept
+inline StoreHead* TreeAccess::release(Element& node) noexcept
 {
-    StoreHead* store = nullptr;
     switch (node.kind_) {
     case Element::string:
         node.string_.~basic_string();
-        break;
+        return nullptr;
     case Element::object:
-        store = node.object_.store_;
-        break;
+        return node.object_.store_;
     case Element::array:
-        store = node.array_.store_;
-        break;
+        return node.array_.store_;
     default:
-        break;
+        return nullptr;
     }
-    node.kind_ = Element::empty;
-    return store;
 }
 
 /// Destroys a container with all below it. Neither allocates nor recurses.
 void destroy(StoreHead* store) noexcept;
-
-/// Adds an item to an array store and gives it, for a reader.
-inline Element& append(ArrayStore& store)
-{
-    return store.items.emplace_back();
-}
 
 } // namespace Zelk::MetaData::Detail

@@ -10,171 +10,6 @@ namespace Zelk::MetaData {
 
 namespace Detail {
 
-// ---- where containers keep their content
-// --------------------------------------------------------------------
-
-ObjectStore::ObjectStore(Arena* from, std::uint32_t capacity) noexcept
-    : StoreHead(true, from), tree(SlotAllocator<Object::Member>(this)),
-      lastBlock(new (firstBlock()) SlotBlock{nullptr, capacity, 0, nullptr})
-{}
-
-ObjectStore* ObjectStore::create(Arena* arena, std::uint32_t capacity)
-{
-    capacity = std::min(capacity, largestBlockCapacity);
-    std::size_t const size = sizeof(ObjectStore) + sizeof(SlotBlock) + capacity * slotSize;
-    return new (allocatePiece(arena, size)) ObjectStore(arena, capacity);
-}
-
-void ObjectStore::addBlock()
-{
-    std::uint32_t const capacity =
-        std::clamp(lastBlock->capacity * 2, firstBlockCapacity, largestBlockCapacity);
-    void* memory = allocatePiece(arena, sizeof(SlotBlock) + capacity * slotSize);
-    lastBlock = lastBlock->next = new (memory) SlotBlock{nullptr, capacity, 0, nullptr};
-}
-
-void* ObjectStore::takeSlot() noexcept
-{
-    assert(lastBlock->used < lastBlock->capacity);
-    return lastBlock->slots() + lastBlock->used++ * slotSize;
-}
-
-void ObjectStore::returnSlot([[maybe_unused]] void* slot) noexcept
-{
-    // Only the slot of a member that was not inserted after all comes back.
-    --lastBlock->used;
-    assert(slot == lastBlock->slots() + lastBlock->used * slotSize);
-}
-
-namespace {
-
-/// Whether two names are equal; most that are not differ in size or in the first byte.
-bool isName(std::string const& a, std::string_view b) noexcept
-{
-    return a.size() == b.size() &&
-           (b.empty() || (a.front() == b.front() && std::memcmp(a.data(), b.data(), b.size()) == 0));
-}
-
-} // namespace
-
-Object::Member const* ObjectStore::find(std::string_view name) const noexcept
-{
-    if (tree.size() > linearSearchLimit) {
-        auto const found = tree.find(name);
-        return found == tree.end() ? nullptr : &*found;
-    }
-    for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next) {
-        char* slot = block->firstMember;
-        for (std::uint32_t i = 0; i < block->used; ++i, slot += slotSize) {
-            auto const* member = reinterpret_cast<Object::Member const*>(slot);
-            if (isName(member->name(), name))
-                return member;
-        }
-    }
-    return nullptr;
-}
-
-Object::Member const& ObjectStore::insert(std::string_view name)
-{
-    if (lastBlock->used == lastBlock->capacity)
-        addBlock();
-    std::size_t const before = tree.size();
-    Object::Member const& member = *tree.emplace_hint(tree.end(), name);
-    if (tree.size() != before && lastBlock->used == 1)
-        lastBlock->firstMember = reinterpret_cast<char*>(const_cast<Object::Member*>(&member));
-    return member;
-}
-
-void ObjectStore::close() noexcept
-{
-    if (arena == nullptr)
-        return;
-    char* const slots = lastBlock->slots();
-    if (arena->trim(slots + lastBlock->capacity * slotSize, slots + lastBlock->used * slotSize))
-        lastBlock->capacity = lastBlock->used;
-    arena = nullptr;
-}
-
-ArrayStore::ArrayStore(Arena* from) : StoreHead(false, from), items(ItemAllocator<Element>(this)) {}
-
-ArrayStore* ArrayStore::create(Arena* arena)
-{
-    return new (allocatePiece(arena, sizeof(ArrayStore))) ArrayStore(arena);
-}
-
-Element& ArrayStore::grow()
-{
-    if (items.size() < offerThreshold)
-        return items.emplace_back();
-    if (offered == nullptr)
-        offered = std::make_unique<Arena>(firstChunkSize);
-    Element& last = items.back();
-    Element& item = items.emplace_back();
-    // Only the newest item may draw on the arena, so that items can be filled by several threads.
-    TreeAccess::withdrawOffer(last);
-    TreeAccess::setOffer(item, *offered);
-    return item;
-}
-
-void* ArrayStore::allocate(std::size_t size)
-{
-    if (!chunkTaken && size == firstChunkSize) {
-        chunkTaken = true;
-        return firstChunk;
-    }
-    if (!mapTaken && size <= firstMapSize) {
-        mapTaken = true;
-        return firstMap;
-    }
-    return allocatePiece(arena, size);
-}
-
-void ArrayStore::deallocate(void* memory) noexcept
-{
-    if (memory == firstChunk)
-        chunkTaken = false;
-    else if (memory == firstMap)
-        mapTaken = false;
-    else
-        releasePiece(memory);
-}
-
-// ---- destroying, copying and comparing whole trees
-// ----------------------------------------------------------
-
-void destroy(StoreHead* pending) noexcept
-{
-    while (pending != nullptr) {
-        StoreHead* const store = pending;
-        pending = store->nextToDestroy;
-        auto const empty = [&pending](Element& node) {
-            if (StoreHead* const inner = TreeAccess::clear(node)) {
-                inner->nextToDestroy = pending;
-                pending = inner;
-            }
-        };
-        if (store->object) {
-            auto* const object = static_cast<ObjectStore*>(store);
-            object->forEachSlot([&empty](Object::Member& member) {
-                empty(TreeAccess::element(member));
-                member.~Member();
-            });
-            // The tree is left as it is: its nodes are gone, and destroying it would only look for them.
-            for (SlotBlock* block = TreeAccess::blocksBehindFirst(*object); block != nullptr;) {
-                SlotBlock* const next = block->next;
-                releasePiece(block);
-                block = next;
-            }
-        } else {
-            auto* const array = static_cast<ArrayStore*>(store);
-            for (Element& item : array->items)
-                empty(item);
-            array->~ArrayStore();
-        }
-        releasePiece(store);
-    }
-}
-
 namespace {
 
 /// Steps through what a container holds, which is not empty.
@@ -189,10 +24,10 @@ public:
     Element const* next(std::string_view& name) noexcept
     {
         if (!store_->object) {
-            auto const& items = static_cast<ArrayStore const*>(store_)->items;
-            return index_ == items.size() ? nullptr : &items[index_++];
+            auto* const array = static_cast<ArrayStore*>(store_);
+            return index_ == array->size() ? nullptr : &array->at(index_++);
         }
-        if (member_ == static_cast<ObjectStore const*>(store_)->tree.end())
+        if (member_ == static_cast<ObjectStore*>(store_)->end())
             return nullptr;
         Object::Member const& member = *member_++;
         name = member.name();
@@ -200,7 +35,7 @@ public:
     }
 
 private:
-    StoreHead const* store_;
+    StoreHead* store_;
     Object::const_iterator member_;
     std::size_t index_ = 0;
 };
@@ -246,7 +81,8 @@ private:
     {
         if (source.empty())
             return;
-        ArrayStore* const store = ArrayStore::create(nullptr);
+        auto const capacity = std::min<std::size_t>(source.size(), ArrayStore::chunkItems);
+        ArrayStore* const store = ArrayStore::create(nullptr, capacity);
         TreeAccess::store(target) = store;
         open_.push_back({Cursor(source), store});
     }
@@ -283,9 +119,9 @@ private:
             if (source == nullptr)
                 open_.pop_back();
             else if (target->object)
-                begin(*source, TreeAccess::element(static_cast<ObjectStore*>(target)->insert(name)));
+                begin(*source, TreeAccess::element(static_cast<ObjectStore*>(target)->insert(name, nullptr)));
             else
-                begin(*source, append(*static_cast<ArrayStore*>(target)));
+                begin(*source, static_cast<ArrayStore*>(target)->append(nullptr));
         }
     }
 
@@ -413,27 +249,25 @@ Object::const_iterator Object::find(std::string const& name) const
 {
     if (store_ == nullptr)
         return end();
-    // Most objects are small and most searches through find() are for optional members, often absent.
-    if (store_->tree.size() <= ObjectStore::linearSearchLimit && store_->find(name) == nullptr)
-        return end();
-    return store_->tree.find(std::string_view(name));
+    Detail::MemberNode* const member = store_->find(name);
+    return member == nullptr ? end() : const_iterator(member);
 }
 
 Object::const_iterator Object::begin() const noexcept
 {
-    return store_ == nullptr ? const_iterator() : store_->tree.begin();
+    return store_ == nullptr ? const_iterator() : store_->begin();
 }
 
 Object::const_iterator Object::end() const noexcept
 {
-    return store_ == nullptr ? const_iterator() : store_->tree.end();
+    return store_ == nullptr ? const_iterator() : store_->end();
 }
 
 Element const& Object::operator[](std::string const& name) const
 {
     if (store_ != nullptr)
-        if (Member const* const member = store_->find(name))
-            return member->element();
+        if (Detail::MemberNode* const member = store_->find(name))
+            return member->_M_valptr()->element();
     throw MissingMemberError("no member named \"" + name + "\"");
 }
 
@@ -441,14 +275,14 @@ Element& Object::operator[](std::string const& name)
 {
     if (store_ == nullptr)
         store_ = ObjectStore::create(nullptr);
-    else if (Member const* const member = store_->find(name))
-        return TreeAccess::element(*member);
-    return TreeAccess::element(store_->insert(name));
+    else if (Detail::MemberNode* const member = store_->find(name))
+        return TreeAccess::element(*member->_M_valptr());
+    return TreeAccess::element(store_->insert(name, nullptr));
 }
 
 unsigned int Object::size() const noexcept
 {
-    return store_ == nullptr ? 0 : static_cast<unsigned int>(store_->tree.size());
+    return store_ == nullptr ? 0 : static_cast<unsigned int>(store_->size());
 }
 
 void Object::clear() noexcept
@@ -483,7 +317,7 @@ Array::~Array()
 
 unsigned int Array::size() const noexcept
 {
-    return store_ == nullptr ? 0 : static_cast<unsigned int>(store_->items.size());
+    return store_ == nullptr ? 0 : static_cast<unsigned int>(store_->size());
 }
 
 Element const& Array::operator[](unsigned int index) const
@@ -491,29 +325,29 @@ Element const& Array::operator[](unsigned int index) const
     if (index >= size())
         throw std::out_of_range("array index " + std::to_string(index) + " is not below the size, " +
                                 std::to_string(size()));
-    return store_->items[index];
+    return store_->at(index);
 }
 
 Element& Array::operator[](unsigned int index)
 {
     if (store_ == nullptr)
         store_ = ArrayStore::create(nullptr);
-    auto& items = store_->items;
-    if (index == items.size())
+    std::size_t const size = store_->size();
+    if (index == size)
         return store_->grow();
-    if (index > items.size())
-        items.resize(std::size_t{index} + 1);
-    return items[index];
+    if (index > size)
+        store_->growTo(std::size_t{index} + 1);
+    return store_->at(index);
 }
 
 Array::const_iterator Array::begin() const noexcept
 {
-    return store_ == nullptr ? const_iterator() : store_->items.cbegin();
+    return store_ == nullptr ? const_iterator() : store_->begin();
 }
 
 Array::const_iterator Array::end() const noexcept
 {
-    return store_ == nullptr ? const_iterator() : store_->items.cend();
+    return store_ == nullptr ? const_iterator() : store_->end();
 }
 
 void Array::clear() noexcept
@@ -590,8 +424,7 @@ Element& Element::operator[](std::string const& name)
     // The node becomes an object only when the member is there; moving the object leaves the member in place.
     Object fresh;
     ObjectStore* const store = TreeAccess::store(fresh) = ObjectStore::create(TreeAccess::offer(*this));
-    store->arena = nullptr;
-    Element& member = TreeAccess::element(store->insert(name));
+    Element& member = TreeAccess::element(store->insert(name, nullptr));
     TreeAccess::setObject(*this) = std::move(fresh);
     return member;
 }
@@ -688,10 +521,17 @@ void SetAs<long long>(long long const& value, Element& element)
 template <>
 void SetAs<std::string>(std::string const& value, Element& element)
 {
-    if (element.GetElementType() == Element::string) // keeps the memory that the string has
+    switch (element.GetElementType()) {
+    case Element::string: // keeps the memory that the string has
         TreeAccess::string(element) = value;
-    else
+        break;
+    case Element::empty:
+        TreeAccess::withdrawOffer(element);
+        TreeAccess::setString(element, value.data(), value.size());
+        break;
+    default:
         element = Element(Trivial_T<std::string>(value));
+    }
 }
 
 } // namespace Zelk::MetaData

@@ -42,57 +42,6 @@ class Arena;
 struct ObjectStore;
 struct ArrayStore;
 struct TreeAccess;
-
-/// Orders members by name, byte by byte; looks up by view, so that no string is built for a search.
-struct NameLess {
-    using is_transparent = void;
-    template <typename Left, typename Right>
-    [[gnu::always_inline]] bool operator()(Left const& left, Right const& right) const noexcept;
-};
-
-/// Gives the tree of an object its nodes out of the object's own store.
-template <typename T>
-class SlotAllocator {
-public:
-    using value_type = T;
-    explicit SlotAllocator(ObjectStore* store) noexcept : store_(store) {}
-    template <typename U>
-    SlotAllocator(SlotAllocator<U> const& other) noexcept : store_(other.store())
-    {}
-    T* allocate(std::size_t count);
-    void deallocate(T* slot, std::size_t count) noexcept;
-    ObjectStore* store() const noexcept { return store_; }
-    friend bool operator==(SlotAllocator const& a, SlotAllocator const& b) noexcept
-    {
-        return a.store_ == b.store_;
-    }
-    friend bool operator!=(SlotAllocator const& a, SlotAllocator const& b) noexcept { return !(a == b); }
-
-private:
-    ObjectStore* store_;
-};
-
-/// Gives the deque of an array its memory out of the array's own store.
-template <typename T>
-class ItemAllocator {
-public:
-    using value_type = T;
-    explicit ItemAllocator(ArrayStore* store) noexcept : store_(store) {}
-    template <typename U>
-    ItemAllocator(ItemAllocator<U> const& other) noexcept : store_(other.store())
-    {}
-    T* allocate(std::size_t count);
-    void deallocate(T* items, std::size_t count) noexcept;
-    ArrayStore* store() const noexcept { return store_; }
-    friend bool operator==(ItemAllocator const& a, ItemAllocator const& b) noexcept
-    {
-        return a.store_ == b.store_;
-    }
-    friend bool operator!=(ItemAllocator const& a, ItemAllocator const& b) noexcept { return !(a == b); }
-
-private:
-    ArrayStore* store_;
-};
 } // namespace Detail
 
 /// One value on its way into a node: bool, double, long long or std::string. The type of the value decides
@@ -111,13 +60,13 @@ private:
 
 /// Named nodes, in ascending order of their names (byte by byte). A name occurs once.
 ///
-/// A red-black tree of the standard library: iterators stay valid until the object is cleared, assigned or
-/// destroyed (of an empty object, until the first member comes); references to members likewise.
+/// A red-black tree of the standard library's nodes, stepped through by the iterators of a std::set: they
+/// stay valid until the object is cleared, assigned or destroyed (of an empty object, until the first member
+/// comes); references to members likewise.
 class ZELK_EXPORT Object {
 public:
     class Member;
-    using Tree = std::set<Member, Detail::NameLess, Detail::SlotAllocator<Member>>;
-    using const_iterator = Tree::const_iterator;
+    using const_iterator = std::set<Member>::const_iterator;
     using iterator = const_iterator;
 
     /// An empty object; allocates nothing.
@@ -161,12 +110,12 @@ private:
     Detail::ObjectStore* store_;
 };
 
-/// Nodes in a row, kept in a std::deque: growing at the end leaves references to items valid. While one
-/// thread makes an array grow, another may use items of it, except the last.
+/// Nodes in a row, in chunks as a std::deque has them and stepped through by its iterators: growing at the
+/// end leaves references to items valid, though not iterators. While one thread makes an array grow, another
+/// may use items of it, except the last.
 class ZELK_EXPORT Array {
 public:
-    using Items = std::deque<Element, Detail::ItemAllocator<Element>>;
-    using const_iterator = Items::const_iterator;
+    using const_iterator = std::deque<Element>::const_iterator;
     using iterator = const_iterator;
 
     /// An empty array; allocates nothing.
@@ -353,30 +302,8 @@ public:
 private:
     friend struct Detail::TreeAccess;
     std::string name_;
-    mutable Element element_; // an entry of a std::set is const; only its name decides its place
+    Element element_;
 };
-
-namespace Detail {
-inline std::string_view nameOf(std::string_view name) noexcept
-{
-    return name;
-}
-inline std::string_view nameOf(Object::Member const& member) noexcept
-{
-    return member.name();
-}
-
-template <typename Left, typename Right>
-inline bool NameLess::operator()(Left const& left, Right const& right) const noexcept
-{
-    std::string_view const a = nameOf(left);
-    std::string_view const b = nameOf(right);
-    // Most names differ in their first byte, which saves the call that compares the rest.
-    if (!a.empty() && !b.empty() && a.front() != b.front())
-        return static_cast<unsigned char>(a.front()) < static_cast<unsigned char>(b.front());
-    return a < b;
-}
-} // namespace Detail
 
 /// Reads the value of a node into `value`: bool, double, long long or std::string. TypeError, with `value`
 /// unchanged, when the node is of another kind.

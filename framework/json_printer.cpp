@@ -42,7 +42,7 @@ public:
     /// Makes room for `size` more bytes behind `out`, the end of the text so far; gives that end anew.
     char* reserve(char* out, std::size_t size)
     {
-        return static_cast<std::size_t>(end_ - out) >= size ? out : grow(out, size);
+        return __builtin_expect(static_cast<std::size_t>(end_ - out) >= size, 1) ? out : grow(out, size);
     }
 
     char* begin() noexcept { return begin_; }
@@ -68,25 +68,25 @@ private:
     char* end_ = first_ + sizeof first_;
 };
 
-/// Prints one tree. `out_` is the end of the text so far. Open containers are kept on a stack of its own.
+/// Prints one tree. Open containers are kept on a stack of its own. What prints a part of the text is given
+/// the end of the text so far, behind which there is always room for `margin` bytes, and gives the new end,
+/// behind which it has seen to the same.
 class Printer {
 public:
     std::string_view print(Element const& root)
     {
-        printValue(root);
-        while (depth_ != 0) {
-            Open& open = top();
-            if (open.store->object)
-                printNextMember(open);
-            else
-                printNextItem(open);
-        }
-        return {buffer_.data(), static_cast<std::size_t>(out_ - buffer_.data())};
+        char* out = printValue(buffer_.begin(), root);
+        while (depth_ != 0)
+            out = top().store->object ? printMembers(out) : printItems(out);
+        return {buffer_.data(), static_cast<std::size_t>(out - buffer_.data())};
     }
 
 private:
+    // The longest number has 24 characters, and there are a comma and a bracket or a colon around it.
+    static constexpr std::size_t margin = 40;
+
     struct Open {
-        StoreHead const* store;
+        StoreHead* store;
         Object::const_iterator member;
         std::size_t index;
     };
@@ -94,139 +94,114 @@ private:
     Open& top() noexcept { return *at(depth_ - 1); }
     Open* at(std::size_t level) noexcept { return reinterpret_cast<Open*>(open_) + level; }
 
-    void put(char c)
+    /// Prints the members of the innermost container as far as the first with a container in it, or its end.
+    char* printMembers(char* out)
     {
-        out_ = buffer_.reserve(out_, 1);
-        *out_++ = c;
-    }
-
-    void putWord(std::string_view word)
-    {
-        out_ = buffer_.reserve(out_, word.size());
-        std::memcpy(out_, word.data(), word.size());
-        out_ += word.size();
-    }
-
-    void printNextMember(Open& open)
-    {
-        auto const& tree = static_cast<ObjectStore const*>(open.store)->tree;
-        if (open.index != 0)
-            ++open.member;
-        if (open.member == tree.end()) {
-            put('}');
-            --depth_;
-            return;
+        Open& open = top();
+        Object::const_iterator const end = static_cast<ObjectStore*>(open.store)->end();
+        std::size_t const level = depth_;
+        while (depth_ == level) {
+            if (open.index != 0)
+                ++open.member;
+            if (open.member == end)
+                return close(out, '}');
+            if (open.index++ != 0)
+                *out++ = ',';
+            out = printString(out, open.member->name());
+            *out++ = ':';
+            out = printValue(out, open.member->element());
         }
-        bool const first = open.index++ == 0;
-        std::string const& name = open.member->name();
-        out_ = buffer_.reserve(out_, 1);
-        *out_ = ',';
-        out_ += first ? 0 : 1;
-        printString(name);
-        put(':');
-        printValue(open.member->element());
+        return out;
     }
 
-    void printNextItem(Open& open)
+    char* printItems(char* out)
     {
-        auto const& items = static_cast<ArrayStore const*>(open.store)->items;
-        if (open.index == items.size()) {
-            put(']');
-            --depth_;
-            return;
+        Open& open = top();
+        auto* const array = static_cast<ArrayStore*>(open.store);
+        std::size_t const size = array->size();
+        std::size_t const level = depth_;
+        while (depth_ == level) {
+            if (open.index == size)
+                return close(out, ']');
+            if (open.index != 0)
+                *out++ = ',';
+            out = printValue(out, array->at(open.index++));
         }
-        if (open.index != 0)
-            put(',');
-        printValue(items[open.index++]);
+        return out;
     }
 
-    void printValue(Element const& node)
+    char* close(char* out, char bracket)
+    {
+        --depth_;
+        *out++ = bracket;
+        return buffer_.reserve(out, margin);
+    }
+
+    char* printValue(char* out, Element const& node)
     {
         switch (node.GetElementType()) {
         case Element::real:
-            return printReal(TreeAccess::real(node));
+            out = printReal(out, TreeAccess::real(node));
+            break;
         case Element::integer:
-            return printInteger(TreeAccess::integer(node));
+            out = std::to_chars(out, out + margin, TreeAccess::integer(node)).ptr;
+            break;
         case Element::boolean:
-            return putWord(TreeAccess::integer(node) != 0 ? "true" : "false");
+            out = TreeAccess::integer(node) != 0 ? copy(out, "true") : copy(out, "false");
+            break;
         case Element::string:
-            return printString(TreeAccess::string(node));
-        case Element::object:
-            return printObject(TreeAccess::store(TreeAccess::object(node)));
-        case Element::array:
-            return printArray(TreeAccess::store(TreeAccess::array(node)));
-        default:
-            return putWord("null");
+            return printString(out, TreeAccess::string(node));
+        case Element::object: {
+            ObjectStore* const store = TreeAccess::store(TreeAccess::object(node));
+            out = open(out, "{}", store, store == nullptr ? Object::const_iterator() : store->begin());
+            break;
         }
+        case Element::array:
+            out = open(out, "[]", TreeAccess::store(TreeAccess::array(node)), {});
+            break;
+        default:
+            out = copy(out, "null");
+        }
+        return buffer_.reserve(out, margin);
     }
 
-    void printObject(ObjectStore const* store)
+    template <std::size_t Size>
+    static char* copy(char* out, char const (&text)[Size])
     {
-        put('{');
-        if (store == nullptr)
-            checkDepthAndPut('}');
-        else
-            open(store, store->tree.begin());
+        std::memcpy(out, text, Size - 1);
+        return out + Size - 1;
     }
 
-    void printArray(ArrayStore const* store)
-    {
-        put('[');
-        if (store == nullptr)
-            checkDepthAndPut(']');
-        else
-            open(store, {});
-    }
-
-    void checkDepthAndPut(char closing)
-    {
-        checkDepth();
-        put(closing);
-    }
-
-    void open(StoreHead const* store, Object::const_iterator member)
-    {
-        checkDepth();
-        new (at(depth_)) Open{store, member, 0};
-        ++depth_;
-    }
-
-    void checkDepth()
+    /// Prints the opening bracket of a container, and the closing one as well of an empty one.
+    char* open(char* out, char const (&brackets)[3], StoreHead* store, Object::const_iterator member)
     {
         if (depth_ == deepestNesting)
             fail("nesting is deeper than 1024 levels");
+        if (store == nullptr)
+            return copy(out, brackets);
+        new (at(depth_++)) Open{store, member, 0};
+        *out = *brackets;
+        return out + 1;
     }
 
     // ---- numbers
     // ------------------------------------------------------------------------------------------------
 
-    static constexpr std::size_t longestNumber = 32;
-
-    void printInteger(long long value)
-    {
-        out_ = buffer_.reserve(out_, longestNumber);
-        out_ = std::to_chars(out_, out_ + longestNumber, value).ptr;
-    }
-
-    void printReal(double value)
+    char* printReal(char* out, double value)
     {
         if (!std::isfinite(value))
             fail("the number is not finite");
-        out_ = buffer_.reserve(out_, longestNumber);
-        if (printShortDecimal(value))
-            return;
-        char* const start = out_;
-        out_ = std::to_chars(out_, out_ + longestNumber, value).ptr;
-        if (std::none_of(start, out_, [](char c) { return c == '.' || c == 'e'; })) {
-            *out_++ = '.';
-            *out_++ = '0';
-        }
+        char* const start = out;
+        if (printShortDecimal(out, value))
+            return out;
+        out = std::to_chars(start, start + margin, value).ptr;
+        return std::any_of(start, out, [](char c) { return c == '.' || c == 'e'; }) ? out : copy(out, ".0");
     }
 
     /// Prints a number of few digits, at most six of them behind the point, without the general algorithm: a
     /// decimal of at most 15 digits that is read as this double is the shortest that is. Leaves to the
     /// general one what that would print with an exponent.
-    bool printShortDecimal(double value)
+    static bool printShortDecimal(char*& out, double value)
     {
         constexpr double scale = 1e6;
         constexpr std::uint32_t scaleDigits = 6;
@@ -243,9 +218,9 @@ private:
         if (fraction == 0 && whole >= 100000)
             return false;
         if (value < 0)
-            *out_++ = '-';
-        out_ = std::to_chars(out_, out_ + longestNumber, whole).ptr;
-        *out_++ = '.';
+            *out++ = '-';
+        out = std::to_chars(out, out + margin, whole).ptr;
+        *out++ = '.';
         std::uint32_t length = scaleDigits;
         if (fraction == 0) {
             length = 1;
@@ -260,105 +235,99 @@ private:
             }
         }
         for (std::uint32_t i = length; i-- != 0; fraction /= 10)
-            out_[i] = static_cast<char>('0' + fraction % 10);
-        out_ += length;
+            out[i] = static_cast<char>('0' + fraction % 10);
+        out += length;
         return true;
     }
 
     // ---- strings
     // ------------------------------------------------------------------------------------------------
 
-    void printString(std::string const& text)
+    char* printString(char* out, std::string const& text)
     {
         char const* const data = text.data();
         std::size_t const size = text.size();
-        out_ = buffer_.reserve(out_, size + 2);
-        if (size <= 2 * Detail::Block::size && copyPlain(data, size))
-            return;
-        *out_++ = '"';
-        printPieces(data, data + size);
-        put('"');
+        out = buffer_.reserve(out, size + 2 + margin);
+        *out++ = '"';
+        if (size <= 2 * Detail::Block::size && copyPlain(out, data, size))
+            out += size;
+        else
+            out = printPieces(out, data, data + size);
+        *out++ = '"';
+        return out;
     }
 
-    /// Copies a short string with its quotes by overlapping wide moves; false, with nothing printed, when
-    /// there is a special byte in it.
-    bool copyPlain(char const* text, std::size_t size)
+    /// Copies a short string by overlapping wide moves; false when there is a special byte in it.
+    static bool copyPlain(char* out, char const* text, std::size_t size)
     {
-        char* const to = out_ + 1;
-        if (size >= Detail::Block::size) {
-            if (!copyBothEnds<Detail::Block>(text, size, to))
+        if (size >= Detail::Block::size)
+            return copyBothEnds<Detail::Block>(out, text, size);
+        if (size >= Detail::Word::size)
+            return copyBothEnds<Detail::Word>(out, text, size);
+        if (size >= Detail::HalfWord::size)
+            return copyBothEnds<Detail::HalfWord>(out, text, size);
+        for (std::size_t i = 0; i < size; ++i) {
+            if (Detail::isSpecial(static_cast<unsigned char>(text[i])))
                 return false;
-        } else if (size >= Detail::Word::size) {
-            if (!copyBothEnds<Detail::Word>(text, size, to))
-                return false;
-        } else if (size >= Detail::HalfWord::size) {
-            if (!copyBothEnds<Detail::HalfWord>(text, size, to))
-                return false;
-        } else {
-            for (std::size_t i = 0; i < size; ++i) {
-                if (Detail::isSpecial(static_cast<unsigned char>(text[i])))
-                    return false;
-                to[i] = text[i];
-            }
+            out[i] = text[i];
         }
-        *out_ = '"';
-        to[size] = '"';
-        out_ = to + size + 1;
         return true;
     }
 
     template <typename Unit>
-    static bool copyBothEnds(char const* text, std::size_t size, char* to)
+    static bool copyBothEnds(char* out, char const* text, std::size_t size)
     {
         Unit const first(text);
         Unit const last(text + size - Unit::size);
-        first.copyTo(to);
-        last.copyTo(to + size - Unit::size);
+        first.copyTo(out);
+        last.copyTo(out + size - Unit::size);
         return !first.hasSpecial() && !last.hasSpecial();
     }
 
-    /// Prints text piece by piece: plain ASCII, a run of characters beyond it, or one byte to be escaped.
-    void printPieces(char const* text, char const* end)
+    /// Prints text piece by piece: as it is, or one byte to be escaped. There is room for the text as it is;
+    /// every escape makes some for itself.
+    char* printPieces(char* out, char const* text, char const* end)
     {
-        while (text != end) {
-            char const* next = Detail::findSpecial(text, end);
-            if (next == text) {
-                if (static_cast<unsigned char>(*text) < 0x80) {
-                    printEscaped(*text++);
-                    continue;
-                }
-                char const* bad = nullptr;
-                next = Detail::skipUtf8(text, end, bad);
-                if (bad != nullptr)
-                    fail("the string is not UTF-8");
-            }
-            putWord({text, static_cast<std::size_t>(next - text)});
-            text = next;
+        while (true) {
+            char const* bad = nullptr;
+            char const* const next = Detail::skipPlain(text, end, bad);
+            if (bad != nullptr)
+                fail("the string is not UTF-8");
+            auto const size = static_cast<std::size_t>(next - text);
+            std::memcpy(out, text, size);
+            out += size;
+            if (next == end)
+                return out;
+            out = printEscaped(out, *next);
+            text = next + 1;
+            out = buffer_.reserve(out, static_cast<std::size_t>(end - text) + 1 + margin);
         }
     }
 
-    void printEscaped(char c)
+    static char* printEscaped(char* out, char c)
     {
         switch (c) {
         case '"':
-            return putWord("\\\"");
+            return copy(out, "\\\"");
         case '\\':
-            return putWord("\\\\");
+            return copy(out, "\\\\");
         case '\b':
-            return putWord("\\b");
+            return copy(out, "\\b");
         case '\f':
-            return putWord("\\f");
+            return copy(out, "\\f");
         case '\n':
-            return putWord("\\n");
+            return copy(out, "\\n");
         case '\r':
-            return putWord("\\r");
+            return copy(out, "\\r");
         case '\t':
-            return putWord("\\t");
+            return copy(out, "\\t");
         default:
             constexpr char digits[] = "0123456789abcdef";
             auto const code = static_cast<unsigned char>(c);
-            char const escape[] = {'\\', 'u', '0', '0', digits[code >> 4], digits[code & 15]};
-            return putWord({escape, sizeof escape});
+            out = copy(out, "\\u00");
+            *out++ = digits[code >> 4];
+            *out++ = digits[code & 15];
+            return out;
         }
     }
 
@@ -387,7 +356,6 @@ private:
     }
 
     Buffer buffer_;
-    char* out_ = buffer_.begin();
     std::size_t depth_ = 0;
     alignas(Open) unsigned char open_[deepestNesting * sizeof(Open)]; // the first depth_ are alive
 };

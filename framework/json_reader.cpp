@@ -1,4 +1,5 @@
 #include "framework/containers.h"
+#include "framework/decimal.h"
 #include "framework/json_text.h"
 #include "framework/text_scan.h"
 
@@ -40,42 +41,44 @@ constexpr bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// The value of eight digits, or false when there are fewer.
-bool eightDigits(char const* text, std::uint32_t& value)
+/// The digits that eight bytes begin with: their number, and their value.
+unsigned int leadingDigits(char const* text, std::uint64_t& value)
 {
     std::uint64_t word;
     std::memcpy(&word, text, sizeof word);
-    if (((word & 0xF0F0F0F0F0F0F0F0) | (((word + 0x0606060606060606) & 0xF0F0F0F0F0F0F0F0) >> 4)) !=
-        0x3333333333333333)
-        return false;
-    // Neighbours are joined in pairs: digits to 2-digit, then 4-digit, then 8-digit numbers.
+    if constexpr (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
+        word = __builtin_bswap64(word);
+    word ^= 0x3030303030303030; // digits become 0 to 9
+    // A carry out of a byte that is no digit reaches only those behind it, which matter no more.
+    std::uint64_t const others = (word | (word + 0x7676767676767676)) & 0x8080808080808080;
+    if ((others & 0xFF) != 0)
+        return 0;
+    unsigned int const count = others == 0 ? 8 : static_cast<unsigned int>(__builtin_ctzll(others)) / 8;
+    // Leading zeros make eight of them; then neighbours are joined to 2-digit, 4-digit, 8-digit numbers.
+    word <<= 64 - 8 * count;
     word = (word & 0x0F0F0F0F0F0F0F0F) * 2561 >> 8;
     word = (word & 0x00FF00FF00FF00FF) * 6553601 >> 16;
-    value = static_cast<std::uint32_t>((word & 0x0000FFFF0000FFFF) * 42949672960001 >> 32);
-    return true;
+    value = (word & 0x0000FFFF0000FFFF) * 42949672960001 >> 32;
+    return count;
 }
 
-constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                  1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-constexpr int largestExactPower = 22;
-constexpr std::uint64_t largestExactMantissa = std::uint64_t{1} << 53;
+constexpr std::uint64_t powersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
-/// Builds the tree of one text in one pass. Open containers are kept on a stack of its own.
+/// Builds the tree of one text in one pass. Open containers are kept on a stack of its own. What reads a part
+/// of the text is given the place where the part begins, and gives the place behind it.
 class Reader {
 public:
     explicit Reader(std::string_view text)
-        : begin_(text.data()), cursor_(text.data()), end_(text.data() + text.size()), arena_(text.size() * 8),
+        : begin_(text.data()), end_(text.data() + text.size()), arena_(text.size() * 8),
           arenaInUse_(text.size() > arenaThreshold ? &arena_ : nullptr)
     {}
 
     Element read()
     {
         Element root;
-        skipSpace();
-        readValue(root);
-        skipSpace();
-        if (cursor_ != end_)
-            fail(cursor_, "expected the end of the text");
+        char const* const behind = skipSpace(readValue(skipSpace(begin_), root));
+        if (behind != end_)
+            fail(behind, "expected the end of the text");
         return root;
     }
 
@@ -105,211 +108,200 @@ private:
         return std::string(", found byte 0x") + digits[byte >> 4] + digits[byte & 15];
     }
 
-    void skipSpace()
-    {
-        while (cursor_ != end_ &&
-               (*cursor_ == ' ' || *cursor_ == '\n' || *cursor_ == '\r' || *cursor_ == '\t'))
-            ++cursor_;
-    }
+    char const* skipSpace(char const* text) const { return Detail::skipSpace(text, end_); }
 
-    /// Steps over `wanted`, which must come next but for white space.
-    void require(char wanted, char const* expectation)
-    {
-        if (cursor_ == end_ || *cursor_ != wanted) {
-            skipSpace();
-            if (cursor_ == end_ || *cursor_ != wanted)
-                fail(cursor_, expectation);
-        }
-        ++cursor_;
-    }
+    bool isAt(char const* text, char wanted) const { return text != end_ && *text == wanted; }
 
-    /// Reads a value and all within it. `node` is always the place for the value that comes next.
-    void readValue(Element& root)
+    /// Reads a value and all within it.
+    char const* readValue(char const* text, Element& root)
     {
-        Element* node = &root;
+        Element* node = &root; // the place for the value that comes next
         while (true) {
-            if (beginContainer(*node)) {
-                node = &nextPlace();
-                continue;
-            }
-            // A value is complete: close the containers that end with it, then go on behind the comma.
-            while (true) {
+            if (text == end_)
+                fail(text, "expected a value");
+            StoreHead* opened = nullptr;
+            if (*text == '{')
+                text = beginObject(text, *node, opened);
+            else if (*text == '[')
+                text = beginArray(text, *node, opened);
+            else
+                text = readScalar(text, *node);
+            // Unless there is something in it the value is complete: close the containers that end with it.
+            while (opened == nullptr) {
                 if (depth_ == 0)
-                    return;
-                if (comma())
-                    break;
-                closeContainer();
+                    return text;
+                text = skipSpace(text);
+                StoreHead* const innermost = open_[depth_ - 1];
+                if (isAt(text, ',')) {
+                    text = skipSpace(text + 1);
+                    opened = innermost;
+                } else {
+                    text = closeContainer(text, innermost);
+                }
             }
-            node = &nextPlace();
+            if (opened->object)
+                text = readName(text, *static_cast<ObjectStore*>(opened), node);
+            else
+                node = &static_cast<ArrayStore*>(opened)->append(arenaInUse_);
         }
     }
 
-    /// Reads a scalar or an empty container and says false, or opens a container that has something in it.
-    bool beginContainer(Element& node)
+    /// Reads the beginning of an object; `opened` is what to fill, if there is something in it.
+    char const* beginObject(char const* text, Element& node, StoreHead*& opened)
     {
-        if (cursor_ == end_)
-            fail(cursor_, "expected a value");
-        char const bracket = *cursor_;
-        if (bracket != '{' && bracket != '[') {
-            readScalar(node);
-            return false;
-        }
+        text = enter(text);
+        auto& object = TreeAccess::setObject(node);
+        if (isAt(text, '}'))
+            return text + 1;
+        TreeAccess::store(object) = ObjectStore::create(arenaInUse_);
+        opened = open_[depth_++] = TreeAccess::store(object);
+        return text;
+    }
+
+    char const* beginArray(char const* text, Element& node, StoreHead*& opened)
+    {
+        text = enter(text);
+        auto& array = TreeAccess::setArray(node);
+        if (isAt(text, ']'))
+            return text + 1;
+        TreeAccess::store(array) = arenaInUse_ == nullptr
+                                       ? ArrayStore::create(nullptr)
+                                       : ArrayStore::create(arenaInUse_, ArrayStore::chunkItems);
+        opened = open_[depth_++] = TreeAccess::store(array);
+        return text;
+    }
+
+    /// Steps over an opening bracket and the space behind it.
+    char const* enter(char const* bracket)
+    {
         if (depth_ == deepestNesting)
-            fail(cursor_, "expected at most 1024 open brackets");
-        ++cursor_;
-        skipSpace();
-        if (bracket == '{') {
-            auto& object = TreeAccess::setObject(node);
-            if (closes('}'))
-                return false;
-            open_[depth_++] = TreeAccess::store(object) = ObjectStore::create(arenaInUse_);
-        } else {
-            auto& array = TreeAccess::setArray(node);
-            if (closes(']'))
-                return false;
-            open_[depth_++] = TreeAccess::store(array) = ArrayStore::create(arenaInUse_);
+            fail(bracket, "expected at most 1024 open brackets");
+        // What an array has not needed so far can serve the container within it.
+        if (arenaInUse_ != nullptr && depth_ != 0 && !open_[depth_ - 1]->object)
+            static_cast<ArrayStore*>(open_[depth_ - 1])->trim(arena_);
+        return skipSpace(bracket + 1);
+    }
+
+    char const* closeContainer(char const* text, StoreHead* innermost)
+    {
+        if (!isAt(text, innermost->object ? '}' : ']'))
+            fail(text, innermost->object ? "expected ',' or '}'" : "expected ',' or ']'");
+        --depth_;
+        if (arenaInUse_ != nullptr) {
+            if (innermost->object)
+                static_cast<ObjectStore*>(innermost)->trim(arena_);
+            else
+                static_cast<ArrayStore*>(innermost)->trim(arena_);
         }
-        return true;
+        return text + 1;
     }
 
-    /// Steps over the closing bracket of an empty container, if it comes next.
-    bool closes(char bracket)
+    /// Reads the name of a member and the colon; `node` is the place for the value.
+    char const* readName(char const* text, ObjectStore& object, Element*& node)
     {
-        if (cursor_ == end_ || *cursor_ != bracket)
-            return false;
-        ++cursor_;
-        return true;
-    }
-
-    /// The place for the next value of the innermost container.
-    Element& nextPlace()
-    {
-        StoreHead* const store = open_[depth_ - 1];
-        return store->object ? readName(*static_cast<ObjectStore*>(store))
-                             : append(*static_cast<ArrayStore*>(store));
-    }
-
-    void closeContainer()
-    {
-        StoreHead* const store = open_[--depth_];
-        if (store->object)
-            static_cast<ObjectStore*>(store)->close();
-        else
-            static_cast<ArrayStore*>(store)->close();
-    }
-
-    /// Steps over the comma behind a value and the space that follows, or over the bracket that closes the
-    /// innermost container; tells whether it was a comma.
-    bool comma()
-    {
-        skipSpace();
-        bool const object = open_[depth_ - 1]->object;
-        if (cursor_ != end_ && *cursor_ == ',') {
-            ++cursor_;
-            skipSpace();
-            return true;
-        }
-        if (!closes(object ? '}' : ']'))
-            fail(cursor_, object ? "expected ',' or '}'" : "expected ',' or ']'");
-        return false;
-    }
-
-    Element& readName(ObjectStore& object)
-    {
-        if (cursor_ == end_ || *cursor_ != '"')
-            fail(cursor_, "expected a member name in quotes");
-        Element& node = TreeAccess::element(object.insert(readString()));
-        require(':', "expected ':'");
-        skipSpace();
+        if (!isAt(text, '"'))
+            fail(text, "expected a member name in quotes");
+        std::string_view name;
+        text = readString(text, name);
+        node = &TreeAccess::element(object.insert(name, arenaInUse_));
         // Of a repeated name the last value wins.
-        if (StoreHead* const former = TreeAccess::clear(node))
+        if (StoreHead* const former = TreeAccess::clear(*node))
             destroy(former);
-        return node;
+        if (!isAt(text, ':')) {
+            text = skipSpace(text);
+            if (!isAt(text, ':'))
+                fail(text, "expected ':'");
+        }
+        return skipSpace(text + 1);
     }
 
-    void readScalar(Element& node)
+    char const* readScalar(char const* text, Element& node)
     {
-        switch (*cursor_) {
+        switch (*text) {
         case '"': {
-            std::string_view const text = readString();
-            return TreeAccess::setString(node, text.data(), text.size());
+            std::string_view content;
+            text = readString(text, content);
+            TreeAccess::setString(node, content.data(), content.size());
+            return text;
         }
         case 't':
-            readWord("true");
-            return TreeAccess::setBoolean(node, true);
+            text = readWord(text, "true");
+            TreeAccess::setBoolean(node, true);
+            return text;
         case 'f':
-            readWord("false");
-            return TreeAccess::setBoolean(node, false);
+            text = readWord(text, "false");
+            TreeAccess::setBoolean(node, false);
+            return text;
         case 'n':
-            return readWord("null");
+            return readWord(text, "null");
         default:
-            return readNumber(node);
+            return readNumber(text, node);
         }
     }
 
-    void readWord(char const* word)
+    char const* readWord(char const* text, char const* word) const
     {
-        char const* const whole = word;
-        for (; *word != '\0'; ++word, ++cursor_)
-            if (cursor_ == end_ || *cursor_ != *word)
-                fail(cursor_, (std::string("expected \"") + whole + '"').c_str());
+        for (char const* letter = word; *letter != '\0'; ++letter, ++text)
+            if (!isAt(text, *letter))
+                fail(text, (std::string("expected \"") + word + '"').c_str());
+        return text;
     }
 
     // ---- strings
     // ------------------------------------------------------------------------------------------------
 
-    /// Reads a string, whose opening quote comes next. The view is good until the next string is read.
-    std::string_view readString()
+    /// Reads a string from its opening quote on. The content is good until the next string is read.
+    [[gnu::always_inline]] char const* readString(char const* text, std::string_view& content)
     {
-        char const* const start = ++cursor_;
+        char const* const start = text + 1;
         char const* stop = Detail::findSpecial(start, end_);
-        if (stop == end_ || *stop != '"')
+        if (!isAt(stop, '"'))
             stop = skipPlain(stop);
-        if (*stop == '"') {
-            cursor_ = stop + 1;
-            return {start, static_cast<std::size_t>(stop - start)};
+        if (*stop != '"')
+            return readEscapedString(start, stop, content);
+        content = {start, static_cast<std::size_t>(stop - start)};
+        return stop + 1;
+    }
+
+    /// Reads a string that begins at `start` and has its first escape at `text`.
+    [[gnu::noinline]] char const* readEscapedString(char const* start, char const* text,
+                                                    std::string_view& content)
+    {
+        decoded_.assign(start, text);
+        while (*text != '"') {
+            text = readEscape(text);
+            char const* const next = skipPlain(text);
+            decoded_.append(text, next);
+            text = next;
         }
-        decoded_.assign(start, stop);
-        cursor_ = stop;
-        while (*cursor_ != '"') {
-            readEscape();
-            char const* const next = skipPlain(cursor_);
-            decoded_.append(cursor_, next);
-            cursor_ = next;
-        }
-        ++cursor_;
-        return decoded_;
+        content = decoded_;
+        return text + 1;
     }
 
     /// The first quote or backslash; everything else that may stand in a string is skipped.
-    char const* skipPlain(char const* text) const
+    [[gnu::noinline]] char const* skipPlain(char const* text) const
     {
-        while (true) {
-            text = Detail::findSpecial(text, end_);
-            if (text == end_)
-                fail(text, "expected '\"' at the end of a string");
-            auto const byte = static_cast<unsigned char>(*text);
-            if (byte == '"' || byte == '\\')
-                return text;
-            if (byte < 0x20)
-                fail(text, "expected a control character to be escaped");
-            char const* bad = nullptr;
-            text = Detail::skipUtf8(text, end_, bad);
-            if (bad != nullptr)
-                fail(bad, "expected well-formed UTF-8");
-        }
+        char const* bad = nullptr;
+        text = Detail::skipPlain(text, end_, bad);
+        if (bad != nullptr)
+            fail(bad, "expected well-formed UTF-8");
+        if (text == end_)
+            fail(text, "expected '\"' at the end of a string");
+        if (*text != '"' && *text != '\\')
+            fail(text, "expected a control character to be escaped");
+        return text;
     }
 
-    void readEscape()
+    char const* readEscape(char const* text)
     {
-        ++cursor_;
-        if (cursor_ == end_)
-            fail(cursor_, "expected an escape character");
-        switch (*cursor_) {
+        ++text;
+        if (text == end_)
+            fail(text, "expected an escape character");
+        switch (*text) {
         case '"':
         case '\\':
         case '/':
-            decoded_ += *cursor_;
+            decoded_ += *text;
             break;
         case 'b':
             decoded_ += '\b';
@@ -327,39 +319,39 @@ private:
             decoded_ += '\t';
             break;
         case 'u':
-            ++cursor_;
-            return readUnicodeEscape();
+            return readUnicodeEscape(text + 1);
         default:
-            fail(cursor_, "expected one of \"\\/bfnrtu after a backslash");
+            fail(text, "expected one of \"\\/bfnrtu after a backslash");
         }
-        ++cursor_;
+        return text + 1;
     }
 
     /// Reads the digits of an escape and, when they are a high surrogate, the low one that must follow.
-    void readUnicodeEscape()
+    char const* readUnicodeEscape(char const* text)
     {
-        unsigned int code = readHexDigits(false);
+        unsigned int code = 0;
+        text = readHexDigits(text, false, code);
         if (code >= 0xD800 && code <= 0xDBFF) {
-            if (cursor_ == end_ || *cursor_ != '\\')
-                fail(cursor_, "expected the escape of a low surrogate");
-            ++cursor_;
-            if (cursor_ == end_ || *cursor_ != 'u')
-                fail(cursor_, "expected the escape of a low surrogate");
-            ++cursor_;
-            unsigned int const low = readHexDigits(true);
+            for (char const letter : {'\\', 'u'}) {
+                if (!isAt(text, letter))
+                    fail(text, "expected the escape of a low surrogate");
+                ++text;
+            }
+            unsigned int low = 0;
+            text = readHexDigits(text, true, low);
             code = 0x10000 + ((code - 0xD800) << 10) + (low - 0xDC00);
         }
         appendUtf8(code);
+        return text;
     }
 
     /// Reads four hexadecimal digits: of a low surrogate where one must come, else of anything but one.
-    unsigned int readHexDigits(bool lowSurrogate)
+    char const* readHexDigits(char const* text, bool lowSurrogate, unsigned int& code) const
     {
-        unsigned int code = 0;
-        for (int i = 0; i < 4; ++i, ++cursor_) {
-            if (cursor_ == end_)
-                fail(cursor_, "expected four hexadecimal digits");
-            char const c = *cursor_;
+        for (int i = 0; i < 4; ++i, ++text) {
+            if (text == end_)
+                fail(text, "expected four hexadecimal digits");
+            char const c = *text;
             unsigned int digit = 0;
             if (isDigit(c))
                 digit = static_cast<unsigned int>(c - '0');
@@ -368,15 +360,15 @@ private:
             else if (c >= 'A' && c <= 'F')
                 digit = static_cast<unsigned int>(c - 'A') + 10;
             else
-                fail(cursor_, "expected four hexadecimal digits");
+                fail(text, "expected four hexadecimal digits");
             code = code << 4 | digit;
             bool const isLow = i >= 1 && code >> (4 * (i - 1)) >= 0xDC && code >> (4 * (i - 1)) <= 0xDF;
             if (lowSurrogate && ((i == 0 && digit != 0xD) || (i == 1 && !isLow)))
-                fail(cursor_, "expected a low surrogate");
+                fail(text, "expected a low surrogate");
             if (!lowSurrogate && i == 1 && isLow)
-                fail(cursor_, "expected a high surrogate before a low one");
+                fail(text, "expected a high surrogate before a low one");
         }
-        return code;
+        return text;
     }
 
     void appendUtf8(unsigned int code)
@@ -413,12 +405,6 @@ private:
             if (digits == 0)
                 while (text != end && *text == '0')
                     ++text;
-            std::uint32_t eight = 0;
-            while (end - text >= 8 && digits + 8 <= mostDigits && eightDigits(text, eight)) {
-                value = value * 100000000 + eight;
-                digits += 8;
-                text += 8;
-            }
             for (; text != end && isDigit(*text); ++text, ++digits)
                 if (digits < mostDigits)
                     value = value * 10 + static_cast<std::uint64_t>(*text - '0');
@@ -440,9 +426,48 @@ private:
         }
     };
 
-    void readNumber(Element& node)
+    /// Reads a number of at most 19 digits without exponent, and leaves every other one to readAnyNumber.
+    char const* readNumber(char const* const start, Element& node) const
     {
-        char const* const start = cursor_;
+        bool const negative = *start == '-';
+        char const* const whole = start + (negative ? 1 : 0);
+        char const* text = whole;
+        std::uint64_t digits = 0;
+        if (!addDigits(text, digits) || text == whole || (*whole == '0' && text - whole > 1))
+            return readAnyNumber(start, node);
+        if (*text != '.') {
+            if (text - whole >= Mantissa::mostDigits || *text == 'e' || *text == 'E')
+                return readAnyNumber(start, node);
+            auto const value = static_cast<long long>(digits);
+            TreeAccess::setInteger(node, negative ? -value : value);
+            return text;
+        }
+        char const* const fraction = ++text;
+        double value = 0;
+        if (!addDigits(text, digits) || text == fraction || text - whole > Mantissa::mostDigits + 1 ||
+            *text == 'e' || *text == 'E' || digits == 0 || !Detail::toDouble(digits, fraction - text, value))
+            return readAnyNumber(start, node);
+        TreeAccess::setReal(node, negative ? -value : value);
+        return text;
+    }
+
+    /// Adds the digits that come next to `value`; false when there are not enough bytes behind them.
+    bool addDigits(char const*& text, std::uint64_t& value) const
+    {
+        unsigned int count = 0;
+        do {
+            if (end_ - text < 8)
+                return false;
+            std::uint64_t group = 0;
+            count = leadingDigits(text, group);
+            value = value * powersOfTen[count] + group;
+            text += count;
+        } while (count == 8);
+        return true;
+    }
+
+    [[gnu::noinline]] char const* readAnyNumber(char const* const start, Element& node) const
+    {
         char const* p = start;
         bool const negative = *p == '-';
         if (negative)
@@ -455,13 +480,11 @@ private:
         else
             mantissa.add(p, end_);
         bool const wholeDigits = p == end_ || (*p != '.' && *p != 'e' && *p != 'E');
-        if (wholeDigits && readInteger(node, mantissa, negative)) {
-            cursor_ = p;
-            return;
-        }
+        if (wholeDigits && readInteger(node, mantissa, negative))
+            return p;
 
         auto pointShift = 0LL; // the power of ten of the last digit
-        if (p != end_ && *p == '.') {
+        if (isAt(p, '.')) {
             char const* const fraction = ++p;
             if (p == end_ || !isDigit(*p))
                 fail(p, "expected a digit");
@@ -471,8 +494,8 @@ private:
         Exponent exponent;
         if (p != end_ && (*p == 'e' || *p == 'E')) {
             ++p;
-            exponent.negative = p != end_ && *p == '-';
-            if (p != end_ && (*p == '-' || *p == '+'))
+            exponent.negative = isAt(p, '-');
+            if (exponent.negative || isAt(p, '+'))
                 ++p;
             if (p == end_ || !isDigit(*p))
                 fail(p, "expected a digit");
@@ -480,8 +503,8 @@ private:
             while (p != end_ && isDigit(*p))
                 exponent.add(*p++);
         }
-        cursor_ = p;
-        TreeAccess::setReal(node, real(start, mantissa, negative, pointShift, exponent));
+        TreeAccess::setReal(node, real(start, p, mantissa, negative, pointShift, exponent));
+        return p;
     }
 
     static bool readInteger(Element& node, Mantissa const& mantissa, bool negative)
@@ -495,40 +518,37 @@ private:
         return true;
     }
 
-    /// The value of the number from `start` to the cursor.
-    double real(char const* start, Mantissa const& mantissa, bool negative, long long pointShift,
-                Exponent const& exponent) const
+    /// The value of the number from `start` to `stop`.
+    double real(char const* start, char const* stop, Mantissa const& mantissa, bool negative,
+                long long pointShift, Exponent const& exponent) const
     {
         if (mantissa.digits == 0)
             return negative ? -0.0 : 0.0;
         long long const power = pointShift + (exponent.negative ? -exponent.value : exponent.value);
-        if (mantissa.digits <= Mantissa::mostDigits && mantissa.value <= largestExactMantissa &&
-            power >= -largestExactPower && power <= largestExactPower) {
-            // Both operands are exact, so the one rounding is the right one.
-            auto const digits = static_cast<double>(mantissa.value);
-            double const value = power < 0 ? digits / powersOfTen[-power] : digits * powersOfTen[power];
-            return negative ? -value : value;
-        }
         double value = 0;
-        if (convert(start, cursor_, value))
+        if (mantissa.digits <= Mantissa::mostDigits && Detail::toDouble(mantissa.value, power, value))
+            return negative ? -value : value;
+        if (convert(start, stop, value))
             return value;
         auto const leadingDigits = pointShift + static_cast<long long>(mantissa.digits);
         if (power - pointShift + leadingDigits < 0)
             return negative ? -0.0 : 0.0;
-        fail(firstTooLarge(start, leadingDigits, exponent), "expected a number within the range of a double");
+        fail(firstTooLarge(start, stop, leadingDigits, exponent),
+             "expected a number within the range of a double");
     }
 
     /// Of a number that is too large, the first byte after which it cannot be mended any more: a digit of a
     /// positive exponent, or else the byte behind the number, where a negative exponent could still have
     /// come.
-    char const* firstTooLarge(char const* start, long long leadingDigits, Exponent const& exponent) const
+    static char const* firstTooLarge(char const* start, char const* stop, long long leadingDigits,
+                                     Exponent const& exponent)
     {
         if (exponent.digits == nullptr || exponent.negative)
-            return cursor_;
+            return stop;
         Exponent prefix;
         double value = 0;
         char const* digit = exponent.digits;
-        for (; digit != cursor_ - 1; ++digit) {
+        for (; digit != stop - 1; ++digit) {
             prefix.add(*digit);
             // Leading zeros change nothing, and a text may have a great many of them.
             bool const changed = prefix.value != 0 || digit == exponent.digits;
@@ -545,7 +565,6 @@ private:
     }
 
     char const* const begin_;
-    char const* cursor_;
     char const* const end_;
     std::string decoded_;
     Arena arena_;

@@ -22,6 +22,13 @@ constexpr bool isSpecial(unsigned char byte) noexcept
     return byte < 0x20 || byte >= 0x80 || byte == '"' || byte == '\\';
 }
 
+/// Whether a byte is white space between the parts of a JSON text.
+constexpr bool isSpace(char byte) noexcept
+{
+    return static_cast<unsigned char>(byte) <= ' ' &&
+           (byte == ' ' || byte == '\n' || byte == '\r' || byte == '\t');
+}
+
 /// As many bytes at once as the unsigned integer T has.
 template <typename T>
 struct Bytes {
@@ -70,6 +77,16 @@ struct Block {
     bool hasSpecial() const noexcept { return specials() != 0; }
     std::size_t firstSpecial() const noexcept { return static_cast<std::size_t>(__builtin_ctz(specials())); }
 
+    /// Number of bytes of white space that the block begins with.
+    std::size_t leadingSpace() const noexcept
+    {
+        auto const is = [this](char c) { return _mm_cmpeq_epi8(bits, _mm_set1_epi8(c)); };
+        __m128i const space = _mm_or_si128(_mm_or_si128(is(' '), is('\n')), _mm_or_si128(is('\r'), is('\t')));
+        constexpr unsigned int stop = 1U << size;
+        return static_cast<std::size_t>(
+            __builtin_ctz(~static_cast<unsigned int>(_mm_movemask_epi8(space)) | stop));
+    }
+
     __m128i bits;
 };
 
@@ -91,6 +108,15 @@ struct Block {
         copyTo(bytes);
         std::size_t index = 0;
         while (!isSpecial(static_cast<unsigned char>(bytes[index])))
+            ++index;
+        return index;
+    }
+    std::size_t leadingSpace() const noexcept
+    {
+        char bytes[size];
+        copyTo(bytes);
+        std::size_t index = 0;
+        while (index != size && isSpace(bytes[index]))
             ++index;
         return index;
     }
@@ -116,48 +142,91 @@ inline char const* findSpecial(char const* text, char const* end) noexcept
     return text;
 }
 
-/// Steps over characters beyond ASCII, of which `text` begins with at least one byte, up to the first ASCII
-/// byte or the end. `bad` tells the first byte that cannot continue well-formed UTF-8, the end if the text
-/// ends within a character, or null when all is well.
-inline char const* skipUtf8(char const* text, char const* end, char const*& bad) noexcept
+/// The first byte of a character beyond ASCII that cannot continue well-formed UTF-8; the end if the text
+/// ends within the character, or null when it is well-formed, and `length` is that of the character then.
+inline char const* findBadUtf8(char const* text, char const* end, std::size_t& length) noexcept
 {
     auto const byteAt = [](char const* at) { return static_cast<unsigned char>(*at); };
-    while (text != end && byteAt(text) >= 0x80) {
-        unsigned char const lead = byteAt(text);
-        // The second byte's range keeps out overlong forms, surrogates, and all beyond U+10FFFF.
-        unsigned char low = 0x80;
-        unsigned char high = 0xBF;
-        std::size_t length = 0;
-        if (lead >= 0xC2 && lead <= 0xDF) {
-            length = 2;
-        } else if (lead >= 0xE0 && lead <= 0xEF) {
-            length = 3;
-            if (lead == 0xE0)
-                low = 0xA0;
-            else if (lead == 0xED)
-                high = 0x9F;
-        } else if (lead >= 0xF0 && lead <= 0xF4) {
-            length = 4;
-            if (lead == 0xF0)
-                low = 0x90;
-            else if (lead == 0xF4)
-                high = 0x8F;
-        } else {
-            bad = text;
-            return text;
-        }
-        for (std::size_t i = 1; i < length; ++i) {
-            if (text + i == end || byteAt(text + i) < low || byteAt(text + i) > high) {
-                bad = text + i;
-                return text;
-            }
-            low = 0x80;
-            high = 0xBF;
-        }
-        text += length;
+    // The second byte's range keeps out overlong forms, surrogates, and all beyond U+10FFFF.
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    unsigned char const lead = byteAt(text);
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+        if (lead == 0xE0)
+            low = 0xA0;
+        else if (lead == 0xED)
+            high = 0x9F;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+        if (lead == 0xF0)
+            low = 0x90;
+        else if (lead == 0xF4)
+            high = 0x8F;
+    } else {
+        return text;
     }
+    for (std::size_t i = 1; i < length; ++i) {
+        if (text + i == end || byteAt(text + i) < low || byteAt(text + i) > high)
+            return text + i;
+        low = 0x80;
+        high = 0xBF;
+    }
+    return nullptr;
+}
+
+/// The first byte from which on a text cannot stand in a JSON string as it is: a quote, a backslash or a
+/// control character, or the end. When UTF-8 is not well-formed before that, `bad` tells the first byte that
+/// cannot continue it; else it is null.
+inline char const* skipPlain(char const* text, char const* end, char const*& bad) noexcept
+{
+    auto const byteAt = [](char const* at) { return static_cast<unsigned char>(*at); };
+    auto const continues = [byteAt](char const* at) { return (byteAt(at) & 0xC0) == 0x80; };
     bad = nullptr;
+    while (true) {
+        text = findSpecial(text, end);
+        if (text == end || byteAt(text) < 0x80)
+            return text;
+        while (text != end && byteAt(text) >= 0x80) {
+            // Most characters beyond ASCII have two bytes, or three with a lead that allows any second one.
+            unsigned char const lead = byteAt(text);
+            std::size_t length = 0;
+            if (end - text >= 2 && lead >= 0xC2 && lead <= 0xDF && continues(text + 1))
+                length = 2;
+            else if (end - text >= 3 && lead >= 0xE1 && lead <= 0xEF && lead != 0xED && continues(text + 1) &&
+                     continues(text + 2))
+                length = 3;
+            else
+                bad = findBadUtf8(text, end, length);
+            if (bad != nullptr)
+                return text;
+            text += length;
+        }
+    }
+}
+
+/// Steps over white space, of which there is at least one byte.
+[[gnu::noinline]] inline char const* skipSpaces(char const* text, char const* end) noexcept
+{
+    ++text;
+    if (text == end || static_cast<unsigned char>(*text) > ' ')
+        return text;
+    for (; static_cast<std::size_t>(end - text) >= Block::size; text += Block::size) {
+        std::size_t const space = Block(text).leadingSpace();
+        if (space != Block::size)
+            return text + space;
+    }
+    while (text != end && isSpace(*text))
+        ++text;
     return text;
+}
+
+/// Steps over white space; most often there is none.
+[[gnu::always_inline]] inline char const* skipSpace(char const* text, char const* end) noexcept
+{
+    return text == end || !isSpace(*text) ? text : skipSpaces(text, end);
 }
 
 } // namespace Zelk::Json::Detail

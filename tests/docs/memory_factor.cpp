@@ -42,10 +42,8 @@ void operator delete(void* memory, std::size_t) noexcept
 
 namespace {
 
-constexpr std::size_t length = 1000000;
-
-/// An array of the item, again and again.
-std::string arrayOf(std::string const& item)
+/// An array of the item, again and again until it has the length.
+std::string arrayOf(std::string const& item, std::size_t length)
 {
     std::string text = "[" + item;
     while (text.size() < length)
@@ -53,8 +51,8 @@ std::string arrayOf(std::string const& item)
     return text + "]";
 }
 
-/// An object whose members have short names, all different, and the value given.
-std::string objectOf(std::string const& value)
+/// An object of the length whose members have short names, all different, and the value given.
+std::string objectOf(std::string const& value, std::size_t length)
 {
     std::string text = "{\"\":" + value;
     for (unsigned int number = 0; text.size() < length; ++number) {
@@ -66,35 +64,46 @@ std::string objectOf(std::string const& value)
     return text + "}";
 }
 
+/// What is in use at most while the text is read.
+std::size_t costOf(std::string const& text)
+{
+    std::size_t const before = inUse;
+    peak = inUse;
+    auto const tree = Zelk::Json::readText(text);
+    return peak - before;
+}
+
 } // namespace
 
 int main()
 {
-    std::string const deep(1023, '[');
-    std::vector<std::pair<char const*, std::string>> const texts = {
-        {"numbers", arrayOf("0")},
-        {"empty arrays", arrayOf("[]")},
-        {"arrays of one number", arrayOf("[0]")},
-        {"arrays of an array", arrayOf("[[0]]")},
-        {"arrays in arrays", arrayOf(deep + std::string(deep.size(), ']'))},
-        {"empty objects", arrayOf("{}")},
-        {"objects of one member", arrayOf("{\"\":0}")},
-        {"objects in objects", arrayOf("{\"\":{\"\":{\"\":{\"\":0}}}}")},
-        {"arrays of thirteen numbers", arrayOf("[0,0,0,0,0,0,0,0,0,0,0,0,0]")},
+    std::string const arrays(500, '[');
+    std::string objects;
+    for (int depth = 0; depth < 500; ++depth)
+        objects += "{\"\":";
+    std::vector<std::pair<char const*, std::string>> const items = {
+        {"numbers", "0"},
+        {"empty arrays", "[]"},
+        {"arrays of one number", "[0]"},
+        {"arrays of an array", "[[0]]"},
+        {"arrays in arrays", arrays + std::string(arrays.size(), ']')},
+        {"arrays of thirteen numbers", "[0,0,0,0,0,0,0,0,0,0,0,0,0]"},
+        {"empty objects", "{}"},
+        {"objects of one member", "{\"\":0}"},
+        {"objects in objects", objects + "0" + std::string(500, '}')},
         {"objects of nine members",
-         arrayOf("{\"\":0,\"a\":0,\"b\":0,\"c\":0,\"d\":0,\"e\":0,\"f\":0,\"g\":0,\"h\":0}")},
-        {"one object", objectOf("0")},
-        {"strings too long to stand in the node", arrayOf("\"0123456789abcdef\"")},
+         "{\"\":0,\"a\":0,\"b\":0,\"c\":0,\"d\":0,\"e\":0,\"f\":0,\"g\":0,\"h\":0}"},
+        {"strings too long to stand in the node", "\"0123456789abcdef\""},
     };
-    for (auto const& [name, text] : texts) {
-        std::size_t const before = inUse;
-        peak = inUse;
-        {
-            auto const tree = Zelk::Json::readText(text);
-            if (inUse == before)
-                return 1;
-        }
-        std::cout << name << ' ' << static_cast<double>(peak - before) / static_cast<double>(text.size())
-                  << '\n';
+    // Short texts get their memory from the heap, long ones from chunks that grow and may be left half empty.
+    std::size_t const lengths[] = {1, 1000, 1025, 5000, 20000, 1000000};
+    auto const print = [](char const* name, std::string const& text) {
+        std::cout << name << ", " << text.size() << " bytes "
+                  << static_cast<double>(costOf(text)) / static_cast<double>(text.size()) << '\n';
+    };
+    for (std::size_t const length : lengths) {
+        for (auto const& [name, item] : items)
+            print(name, arrayOf(item, length));
+        print("one object", objectOf("0", length));
     }
 }

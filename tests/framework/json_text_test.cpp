@@ -200,7 +200,7 @@ TEST(ReadText, JudgesRandomWordsOfTheGrammar)
         "{",   "}",    "[",    "]", ",",  ":",  "\"",  "\"a\"", "\"b\":", "1",  "-",    "0",    ".5",
         "e-1", "true", "null", " ", "\n", "\\", "\\u", "d8",    "dc",     "00", "\x80", "\xC3", "\xA9"};
     std::mt19937 random(3);
-    for (int round = 0; round < 100000; ++round) {
+    for (int round = 0; round < 20000; ++round) {
         std::string text;
         for (auto count = random() % 12; count != 0; --count)
             text += words[random() % std::size(words)];
@@ -774,6 +774,131 @@ TEST(ReadText, RoundsTheMiddleBetweenTwoDoublesToTheEvenOne)
         for (std::size_t i = last + 1; i < exponent; ++i)
             less[i] = '9';
         ASSERT_TRUE(sameBits(readText(less).asDouble(), lower)) << less;
+    }
+}
+
+/// Whether the number is read, or refused at the same place, whatever stands around it: a reader that looks
+/// at many bytes at a time does so only where they are.
+testing::AssertionResult isReadAlikeEverywhere(std::string const& number)
+{
+    Element alone;
+    std::size_t refusedAt = std::string::npos;
+    try {
+        alone = readText(number);
+    } catch (ParseError const& error) {
+        refusedAt = error.offset();
+    }
+    for (std::string const before : {"", "[", "  [\"123\",  "})
+        for (std::string const behind :
+             {"       ", "                    ", ",1234567890123]", "]", "]\n       "}) {
+            std::string const whole = before + number + behind;
+            if ((before.find('[') == std::string::npos) != (behind.find(']') == std::string::npos))
+                continue;
+            try {
+                Element const tree = readText(whole);
+                Element const& node = before.size() > 1 ? static_cast<MetaData::Array const&>(tree)[1]
+                                      : before.empty()  ? tree
+                                                        : static_cast<MetaData::Array const&>(tree)[0];
+                if (refusedAt != std::string::npos)
+                    return testing::AssertionFailure() << whole << " is accepted";
+                if (node.GetElementType() != alone.GetElementType() || printText(node) != printText(alone))
+                    return testing::AssertionFailure() << whole << " is " << printText(node);
+            } catch (ParseError const& error) {
+                if (refusedAt == std::string::npos || error.offset() != before.size() + refusedAt)
+                    return testing::AssertionFailure() << whole << " is refused at " << error.offset();
+            }
+        }
+    return testing::AssertionSuccess();
+}
+
+TEST(ReadText, ReadsANumberAlikeWhateverStandsAroundIt)
+{
+    for (std::string const number : {"0",
+                                     "-0",
+                                     "7",
+                                     "-7",
+                                     "10",
+                                     "01",
+                                     "-01",
+                                     "00",
+                                     "1234567",
+                                     "12345678",
+                                     "123456789",
+                                     "1234567812345678",
+                                     "123456781234567",
+                                     "999999999999999999",
+                                     "1000000000000000000",
+                                     "9223372036854775807",
+                                     "-9223372036854775808",
+                                     "9223372036854775808",
+                                     "12345678901234567890",
+                                     "123456789012345678901234",
+                                     "0.5",
+                                     "-0.5",
+                                     "0.0",
+                                     "-0.0",
+                                     "0.00000000",
+                                     "1.00000000",
+                                     "12345678.12345678",
+                                     "1234567.1234567",
+                                     "0.1234567890123456789",
+                                     "0.12345678901234567",
+                                     "1234567890.123456789",
+                                     "1234567890.1234567891",
+                                     "0.000000000000000000012345",
+                                     "9007199254740993.0",
+                                     "900719925474099.3",
+                                     "18446744073709551615.0",
+                                     "1844674407370955161.5",
+                                     "65.613616999999977",
+                                     "1e5",
+                                     "1E5",
+                                     "12e-5",
+                                     "1.5e3",
+                                     "12345678e1",
+                                     "1.12345678e1",
+                                     "1e400",
+                                     "12345678.e",
+                                     "1.",
+                                     "-",
+                                     "1.x",
+                                     "12345678x",
+                                     "12345678.12345678x",
+                                     ".5"})
+        EXPECT_TRUE(isReadAlikeEverywhere(number));
+    std::mt19937_64 random(13);
+    for (int round = 0; round < 20000; ++round) {
+        std::string digits = std::to_string(random() >> random() % 64);
+        if (random() % 4 != 0)
+            digits.insert(1 + random() % digits.size(), ".");
+        if (digits.back() == '.')
+            digits += '0';
+        ASSERT_TRUE(isReadAlikeEverywhere(digits));
+    }
+}
+
+TEST(ReadText, RoundsNumbersOfUpTo19DigitsToTheNearestDouble)
+{
+    std::mt19937_64 random(14);
+    for (int round = 0; round < 20000; ++round) {
+        // The middle between two neighbours, times a power of ten that keeps it an integer, and its
+        // neighbours.
+        std::uint64_t const middle = 2 * (random() >> (11 + random() % 40)) + 1;
+        std::uint64_t fives = 1;
+        for (int places = 0; places <= 22 && middle <= 9999999999999999999U / fives; ++places, fives *= 5) {
+            for (std::uint64_t const digits : {middle * fives - 1, middle * fives, middle * fives + 1}) {
+                std::string const number = std::to_string(digits) + ".0e-" + std::to_string(places);
+                std::string decimal =
+                    std::string(static_cast<std::size_t>(places), '0') + std::to_string(digits);
+                decimal.insert(decimal.size() - static_cast<std::size_t>(places), ".");
+                decimal.erase(0, std::min(decimal.find_first_not_of('0'), decimal.find('.') - 1));
+                if (decimal.back() == '.')
+                    decimal += '0';
+                double const expected = std::strtod(number.c_str(), nullptr);
+                ASSERT_TRUE(sameBits(readText(number + "        ").asDouble(), expected)) << number;
+                ASSERT_TRUE(sameBits(readText(decimal + "        ").asDouble(), expected)) << decimal;
+            }
+        }
     }
 }
 

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <deque>
+#include <iterator>
 #include <random>
 #include <string>
 #include <thread>
@@ -166,6 +168,9 @@ TEST(ParsedTree, IsEditedLikeAnyOther)
             Element& objectNode = tree["o"];
             Element& arrayNode = tree["a"];
             Element* const first = size == 0 ? nullptr : &objectNode["m0"];
+            std::vector<Element*> places;
+            for (unsigned int i = 0; i < size; ++i)
+                places.push_back(&static_cast<Array&>(arrayNode)[i]);
             for (unsigned int i = size; i < size + 200; ++i) {
                 objectNode["m" + std::to_string(i)] = integer(i);
                 Array& grown = arrayNode;
@@ -176,6 +181,9 @@ TEST(ParsedTree, IsEditedLikeAnyOther)
             for (unsigned int i = 0; i < size + 200; ++i) {
                 ASSERT_EQ(objectNode["m" + std::to_string(i)].asInt64(), i);
                 ASSERT_EQ(static_cast<Array&>(arrayNode)[i].asInt64(), i);
+                if (i < size) {
+                    ASSERT_EQ(&static_cast<Array&>(arrayNode)[i], places[i]);
+                }
             }
             if (first != nullptr) {
                 EXPECT_EQ(&objectNode["m0"], first);
@@ -190,6 +198,58 @@ TEST(ParsedTree, IsEditedLikeAnyOther)
             objectNode["again"] = integer(1);
             EXPECT_EQ(printText(tree), "{\"a\":[],\"o\":{\"again\":1},\"padding\":\"" + padding + "\"}");
         }
+}
+
+/// Whether an array is stepped through in every way as a std::deque of the integers from 0 on is.
+void expectSteppedThroughAsADeque(Array const& items)
+{
+    std::deque<long long> numbers;
+    for (unsigned int i = 0; i < items.size(); ++i)
+        numbers.push_back(i);
+    auto const same = [](Element const& node, long long number) { return node.asInt64() == number; };
+    ASSERT_EQ(items.end() - items.begin(), numbers.end() - numbers.begin());
+    EXPECT_TRUE(std::equal(items.begin(), items.end(), numbers.begin(), numbers.end(), same));
+    EXPECT_TRUE(std::equal(std::make_reverse_iterator(items.end()), std::make_reverse_iterator(items.begin()),
+                           numbers.rbegin(), numbers.rend(), same));
+    auto const size = static_cast<std::ptrdiff_t>(items.size());
+    for (std::ptrdiff_t from = 0; from <= size; ++from)
+        for (std::ptrdiff_t to = 0; to <= size; to += 1 + size / 40) {
+            Array::const_iterator const there = (items.begin() + from) + (to - from);
+            ASSERT_EQ(there - items.begin(), to);
+            ASSERT_EQ(items.end() - there, size - to);
+            ASSERT_EQ(there == items.end(), to == size);
+            if (to != size) {
+                ASSERT_EQ(there->asInt64(), to);
+                ASSERT_EQ(items.begin()[to].asInt64(), to);
+            }
+        }
+}
+
+TEST(ParsedTree, ArraysAreSteppedThroughAsADequeIs)
+{
+    for (unsigned int const size : {0u, 1u, 2u, 3u, 4u, 5u, 11u, 12u, 13u, 16u, 23u, 24u, 25u, 28u, 100u})
+        for (bool const large : {false, true})
+            for (bool const nested : {false, true}) {
+                SCOPED_TRACE(std::to_string(size) + (large ? " in a large text" : " in a small text"));
+                std::string items;
+                for (unsigned int i = 0; i < size; ++i)
+                    items += (i == 0 ? "" : ",") + std::to_string(i);
+                if (nested) // an array whose first item takes memory behind it
+                    items = size == 0 ? "[0]" : "[0]," + items;
+                std::string const padding(large ? 2000 : 1, ' ');
+                Element tree = readText("[" + items + "]" + padding);
+                if (nested) {
+                    Array& rest = tree;
+                    for (unsigned int i = 0; i <= size; ++i)
+                        rest[i] = integer(i);
+                }
+                expectSteppedThroughAsADeque(tree);
+                expectSteppedThroughAsADeque(Element(tree));
+                for (unsigned int i = static_cast<Array&>(tree).size(); i < size + 30; ++i) {
+                    static_cast<Array&>(tree)[i] = integer(i);
+                    expectSteppedThroughAsADeque(tree);
+                }
+            }
 }
 
 TEST(ParsedTree, MixesWithTreesFromElsewhere)

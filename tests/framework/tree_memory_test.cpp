@@ -301,6 +301,37 @@ TEST(ExhaustedMemory, SetAsReplacesOrLeavesTheNodeAlone)
     }
 }
 
+TEST(ExhaustedMemory, ANewItemOfALongListIsStillEmptyWhenItCouldNotBeFilled)
+{
+    Array items;
+    for (unsigned int i = 0; i < 100; ++i)
+        items[i]["name"] = integer(i);
+    Element& item = items[100];
+    std::string const value = longText;
+    failEveryAllocation([&] { item = Element(); }, [&] { SetAs<std::string>(value, item); },
+                        [&] { EXPECT_EQ(item, Element()); });
+    EXPECT_EQ(item, text(value));
+    Element& next = items[101];
+    failEveryAllocation([] {}, [&] { next[longText]; }, [&] { EXPECT_EQ(next, Element()); });
+    next[longText] = integer(1);
+    EXPECT_EQ(items[101], object({{longText, integer(1)}}));
+}
+
+TEST(ExhaustedMemory, AnObjectWhoseFirstMemberCouldNotBeInsertedIsEmpty)
+{
+    Object members;
+    failEveryAllocation([&] { members = Object(); }, [&] { members[longText]; },
+                        [&] {
+                            EXPECT_EQ(members.size(), 0u);
+                            EXPECT_TRUE(members.begin() == members.end());
+                            EXPECT_TRUE(members.find(longText) == members.end());
+                            EXPECT_EQ(members, Object());
+                            EXPECT_EQ(Object(members).size(), 0u);
+                            EXPECT_EQ(Json::printText(Element(members)), "{}");
+                        });
+    EXPECT_EQ(members.size(), 1u);
+}
+
 TEST(ExhaustedMemory, ReadingAndPrintingLeakNothing)
 {
     Element const small = array({text(longText), object({{longText, real(1)}})});

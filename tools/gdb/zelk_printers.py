@@ -31,11 +31,14 @@ POINTER = 8
 class Layout:
     """Where things are in the stores of framework/containers.h, in bytes."""
 
-    MEMBERS_HEADER = 5 * POINTER  # of an object's store: head, allocator, comparison
+    MEMBERS_HEADER = 2 * POINTER  # of an object's store: head
     MEMBERS_COUNT = MEMBERS_HEADER + 4 * POINTER
     MEMBERS_NODE = 4 * POINTER  # of the tree's own before the member in a node
-    ITEMS_CURSORS = (3 + 8 + 60 + 1 + 3) * POINTER  # of an array's store: head, first map, first chunk, start of the deque
-    CHUNK = 512  # bytes of a deque's chunk at most
+    MISSING = POINTER + 1  # of an array's store: a byte
+    CHUNKS = POINTER + 4  # four bytes
+    PLACES = 2 * POINTER
+    NEXT = 3 * POINTER
+    CHUNK = 512  # bytes of a chunk at most
 
 
 def word(address):
@@ -85,15 +88,14 @@ def array_items(value):
         return
     elements = element_type()
     chunk = Layout.CHUNK // elements.sizeof * elements.sizeof
-    current, _, last, place = (word(store + Layout.ITEMS_CURSORS + i * POINTER) for i in range(4))
-    end = word(store + Layout.ITEMS_CURSORS + 4 * POINTER)
-    while current != end:
-        yield at(current, elements)
-        current += elements.sizeof
-        if current == last and current != end:
-            place += POINTER
-            current = word(place)
-            last = current + chunk
+    missing = int(at(store + Layout.MISSING, gdb.lookup_type("unsigned char")))
+    chunks = int(at(store + Layout.CHUNKS, gdb.lookup_type("unsigned int")))
+    places = word(store + Layout.PLACES)
+    for i in range(chunks):
+        begin = word(places + i * POINTER)
+        end = word(store + Layout.NEXT) if i == chunks - 1 else begin + chunk
+        for current in range(begin + (missing * elements.sizeof if i == 0 else 0), end, elements.sizeof):
+            yield at(current, elements)
 
 
 def kind_of(node):

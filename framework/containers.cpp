@@ -1,0 +1,246 @@
+#include "framework/containers.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Zelk::MetaData::Detail {
+
+namespace {
+
+/// Less than, equal to or greater than 0 as `a` comes before, is, or comes after `b`, byte by byte.
+[[gnu::always_inline]] inline int compareNames(std::string_view a, std::string_view b) noexcept
+{
+    // Most names differ in their first byte, which saves the call that compares the rest.
+    if (!a.empty() && !b.empty() && a.front() != b.front())
+        return static_cast<unsigned char>(a.front()) - static_cast<unsigned char>(b.front());
+    return a.compare(b);
+}
+
+template <typename Word>
+bool equalEnds(char const* a, char const* b, std::size_t size) noexcept
+{
+    auto const word = [](char const* text) {
+        Word bits;
+        std::memcpy(&bits, text, sizeof bits);
+        return bits;
+    };
+    return word(a) == word(b) && word(a + size - sizeof(Word)) == word(b + size - sizeof(Word));
+}
+
+/// Whether two names are equal. Most that are not differ in size; short ones are compared by overlapping
+/// words.
+bool isName(std::string_view a, std::string_view b) noexcept
+{
+    std::size_t const size = a.size();
+    if (size != b.size())
+        return false;
+    if (size > 2 * sizeof(std::uint64_t))
+        return a == b;
+    if (size >= sizeof(std::uint64_t))
+        return equalEnds<std::uint64_t>(a.data(), b.data(), size);
+    if (size >= sizeof(std::uint32_t))
+        return equalEnds<std::uint32_t>(a.data(), b.data(), size);
+    return a == b;
+}
+
+std::string const& nameOf(std::_Rb_tree_node_base* node) noexcept
+{
+    return static_cast<MemberNode*>(node)->_M_valptr()->name();
+}
+
+/// The member of that name in the tree below `node`, or null.
+[[gnu::noinline]] MemberNode* findInTree(std::_Rb_tree_node_base* node, std::string_view name) noexcept
+{
+    while (node != nullptr) {
+        int const order = compareNames(name, nameOf(node));
+        if (order == 0)
+            break;
+        node = order < 0 ? node->_M_left : node->_M_right;
+    }
+    return static_cast<MemberNode*>(node);
+}
+
+} // namespace
+
+// ---- members
+// ------------------------------------------------------------------------------------------------
+
+ObjectStore::ObjectStore(std::uint32_t capacity) noexcept
+    : StoreHead(true), lastBlock(new (firstBlock()) SlotBlock{nullptr, capacity, 0})
+{}
+
+ObjectStore* ObjectStore::create(Arena* arena, std::uint32_t capacity)
+{
+    capacity = std::min(capacity, largestBlockCapacity);
+    std::size_t const size = sizeof(ObjectStore) + sizeof(SlotBlock) + capacity * sizeof(MemberNode);
+    return new (allocatePiece(arena, size)) ObjectStore(capacity);
+}
+
+MemberNode* ObjectStore::find(std::string_view name) noexcept
+{
+    if (size() <= linearSearchLimit) {
+        for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
+            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
+                if (isName(slot->_M_valptr()->name(), name))
+                    return slot;
+        return nullptr;
+    }
+    return findInTree(tree._M_header._M_parent, name);
+}
+
+Object::Member& ObjectStore::insert(std::string_view name, Arena* arena)
+{
+    std::_Rb_tree_node_base& header = tree._M_header;
+    std::_Rb_tree_node_base* parent = &header;
+    int order = -1;
+    if (size() != 0) {
+        parent = header._M_right;
+        order = compareNames(name, nameOf(parent));
+        for (auto* node = order < 0 ? header._M_parent : nullptr; node != nullptr && order != 0;) {
+            parent = node;
+            order = compareNames(name, nameOf(node));
+            node = order < 0 ? node->_M_left : node->_M_right;
+        }
+        if (order == 0)
+            return *static_cast<MemberNode*>(parent)->_M_valptr();
+    }
+    if (lastBlock->used == lastBlock->capacity) {
+        std::uint32_t const capacity =
+            std::clamp(lastBlock->capacity * 2, firstBlockCapacity, largestBlockCapacity);
+        void* memory = allocatePiece(arena, sizeof(SlotBlock) + capacity * sizeof(MemberNode));
+        lastBlock = lastBlock->next = new (memory) SlotBlock{nullptr, capacity, 0};
+    }
+    auto* const node = new (lastBlock->slots() + lastBlock->used) MemberNode;
+    auto* const member = new (node->_M_valptr()) Object::Member(name);
+    ++lastBlock->used;
+    ++tree._M_node_count;
+    std::_Rb_tree_insert_and_rebalance(order < 0, node, parent, header);
+    return *member;
+}
+
+void ObjectStore::trim(Arena& arena) noexcept
+{
+    MemberNode* const slots = lastBlock->slots();
+    if (arena.trim(slots + lastBlock->capacity, slots + lastBlock->used))
+        lastBlock->capacity = lastBlock->used;
+}
+
+// ---- items
+// --------------------------------------------------------------------------------------------------
+
+ArrayStore::ArrayStore(std::size_t capacity) noexcept
+    : StoreHead(false), missing(static_cast<std::uint8_t>(chunkItems - capacity)), next(firstItem()),
+      chunkEnd(next + capacity)
+{
+    places[0] = chunkEnd - chunkItems;
+    places[1] = chunkEnd;
+}
+
+ArrayStore* ArrayStore::create(Arena* arena, std::size_t capacity)
+{
+    return new (allocatePiece(arena, sizeof(ArrayStore) + capacity * sizeof(Element))) ArrayStore(capacity);
+}
+
+void ArrayStore::addChunk(Arena* arena)
+{
+    if (std::uint32_t const used = chunks + 1; (used & chunks) == 0) {
+        auto* const larger = static_cast<Element**>(allocatePiece(arena, 2 * used * sizeof *places));
+        std::copy_n(places, used, larger);
+        if (places != firstPlaces)
+            releasePiece(places);
+        places = larger;
+    }
+    next = static_cast<Element*>(allocatePiece(arena, chunkItems * sizeof(Element)));
+    chunkEnd = next + chunkItems;
+    places[chunks++] = next;
+    places[chunks] = chunkEnd;
+}
+
+Element& ArrayStore::grow()
+{
+    if (chunks < offeringChunks)
+        return append(nullptr);
+    Element& last = next[-1]; // a chunk is added together with its first item
+    Element& item = append(nullptr);
+    // Only the newest item may draw on the arena, so that items can be filled by several threads.
+    TreeAccess::withdrawOffer(last);
+    if (last.GetElementType() == Element::object) {
+        if (offered == nullptr)
+            offered = std::make_unique<Arena>(chunkItems * sizeof(Element));
+        TreeAccess::setOffer(item, *offered);
+    }
+    return item;
+}
+
+void ArrayStore::growTo(std::size_t count)
+{
+    std::uint32_t const formerChunks = chunks;
+    Element* const formerNext = next;
+    Element* const formerEnd = chunkEnd;
+    try {
+        for (std::size_t i = size(); i < count; ++i)
+            append(nullptr);
+    } catch (...) {
+        while (chunks != formerChunks)
+            releasePiece(places[--chunks]);
+        next = formerNext;
+        places[chunks] = chunkEnd = formerEnd;
+        throw;
+    }
+}
+
+void ArrayStore::trim(Arena& arena) noexcept
+{
+    if (chunks == 1 && arena.trim(chunkEnd, next)) {
+        missing = static_cast<std::uint8_t>(missing + (chunkEnd - next));
+        chunkEnd = next;
+        places[0] = chunkEnd - chunkItems;
+        places[1] = chunkEnd;
+    }
+}
+
+void ArrayStore::releaseChunks() noexcept
+{
+    while (chunks != 1)
+        releasePiece(places[--chunks]);
+    if (places != firstPlaces)
+        releasePiece(places);
+}
+
+// ---- whole trees
+// --------------------------------------------------------------------------------------------
+
+void destroy(StoreHead* pending) noexcept
+{
+    while (pending != nullptr) {
+        StoreHead* const store = pending;
+        pending = store->nextToDestroy;
+        auto const release = [&pending](Element& node) {
+            if (StoreHead* const inner = TreeAccess::release(node)) {
+                inner->nextToDestroy = pending;
+                pending = inner;
+            }
+        };
+        if (store->object) {
+            auto* const object = static_cast<ObjectStore*>(store);
+            object->forEachSlot([&release](MemberNode& slot) {
+                Object::Member& member = *slot._M_valptr();
+                release(TreeAccess::element(member));
+                TreeAccess::destroyName(member);
+            });
+            for (SlotBlock* block = object->firstBlock()->next; block != nullptr;) {
+                SlotBlock* const next = block->next;
+                releasePiece(block);
+                block = next;
+            }
+        } else {
+            auto* const array = static_cast<ArrayStore*>(store);
+            array->forEachItem(release);
+            array->releaseChunks();
+            array->~ArrayStore();
+        }
+        releasePiece(store);
+    }
+}
+
+} // namespace Zelk::MetaData::Detail
