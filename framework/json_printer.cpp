@@ -144,7 +144,7 @@ private:
             out = printReal(out, TreeAccess::real(node));
             break;
         case Element::integer:
-            out = std::to_chars(out, out + margin, TreeAccess::integer(node)).ptr;
+            out = printInteger(out, TreeAccess::integer(node));
             break;
         case Element::boolean:
             out = TreeAccess::integer(node) != 0 ? copy(out, "true") : copy(out, "false");
@@ -187,6 +187,53 @@ private:
     // ---- numbers
     // ------------------------------------------------------------------------------------------------
 
+    static char* printInteger(char* out, long long value)
+    {
+        auto const size = static_cast<std::uint64_t>(value);
+        if (value >= 0)
+            return printDigits(out, size);
+        *out++ = '-';
+        return printDigits(out, std::uint64_t{0} - size);
+    }
+
+    static constexpr std::uint64_t eightDigitNumbers = 100000000;
+
+    static char* printDigits(char* out, std::uint64_t value)
+    {
+        if (value < 10) {
+            *out = static_cast<char>('0' + value);
+            return out + 1;
+        }
+        if (value >= eightDigitNumbers) {
+            out = printDigits(out, value / eightDigitNumbers);
+            return putDigits(out, eightDigits(value % eightDigitNumbers), 0);
+        }
+        std::uint64_t const digits = eightDigits(value);
+        return putDigits(out, digits, __builtin_ctzll(digits) / 8);
+    }
+
+    /// The eight digits of a number, the first of them in the lowest byte.
+    static std::uint64_t eightDigits(std::uint64_t value)
+    {
+        // Split in two numbers of four digits, four of two, eight of one; the factors divide by 100 and
+        // by 10.
+        std::uint64_t const fours = value / 10000 | value % 10000 << 32;
+        std::uint64_t const hundreds = fours * 10486 >> 20 & 0x0000007F0000007F;
+        std::uint64_t const twos = hundreds | (fours - 100 * hundreds) << 16;
+        std::uint64_t const tens = twos * 103 >> 10 & 0x000F000F000F000F;
+        return tens | (twos - 10 * tens) << 8;
+    }
+
+    /// Prints eight digits but for the first `skipped`.
+    static char* putDigits(char* out, std::uint64_t digits, int skipped)
+    {
+        digits = (digits | 0x3030303030303030) >> 8 * skipped;
+        if constexpr (__BYTE_ORDER__ == __ORDER_BIG_ENDIAN__)
+            digits = __builtin_bswap64(digits);
+        std::memcpy(out, &digits, sizeof digits);
+        return out + sizeof digits - skipped;
+    }
+
     char* printReal(char* out, double value)
     {
         if (!std::isfinite(value))
@@ -204,7 +251,6 @@ private:
     static bool printShortDecimal(char*& out, double value)
     {
         constexpr double scale = 1e6;
-        constexpr std::uint32_t scaleDigits = 6;
         double const size = std::fabs(value);
         if (!(size >= 1e-3 && size < 1e9))
             return false;
@@ -213,30 +259,18 @@ private:
         if (static_cast<double>(digits) != scaled || scaled / scale != size)
             return false;
         std::uint64_t const whole = digits / 1000000;
-        auto fraction = static_cast<std::uint32_t>(digits % 1000000);
+        std::uint64_t const fraction = digits % 1000000;
         // Round numbers of six and more digits may be shorter with an exponent.
         if (fraction == 0 && whole >= 100000)
             return false;
         if (value < 0)
             *out++ = '-';
-        out = std::to_chars(out, out + margin, whole).ptr;
+        out = printDigits(out, whole);
         *out++ = '.';
-        std::uint32_t length = scaleDigits;
-        if (fraction == 0) {
-            length = 1;
-        } else {
-            if (fraction % 1000 == 0) {
-                fraction /= 1000;
-                length -= 3;
-            }
-            while (fraction % 10 == 0) {
-                fraction /= 10;
-                --length;
-            }
-        }
-        for (std::uint32_t i = length; i-- != 0; fraction /= 10)
-            out[i] = static_cast<char>('0' + fraction % 10);
-        out += length;
+        // Six digits and two zeros behind them, of which those up to the last that is not 0 count, and one at
+        // least.
+        std::uint64_t const behind = eightDigits(fraction * 100);
+        out = putDigits(out, behind, 0) - __builtin_clzll(behind | 1) / 8;
         return true;
     }
 
