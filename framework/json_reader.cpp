@@ -153,7 +153,7 @@ private:
         auto& object = TreeAccess::setObject(node);
         if (isAt(text, '}'))
             return text + 1;
-        TreeAccess::store(object) = ObjectStore::create(arenaInUse_);
+        TreeAccess::store(object) = ObjectStore::create(arenaForNext());
         opened = open_[depth_++] = TreeAccess::store(object);
         return text;
     }
@@ -164,22 +164,28 @@ private:
         auto& array = TreeAccess::setArray(node);
         if (isAt(text, ']'))
             return text + 1;
-        TreeAccess::store(array) = arenaInUse_ == nullptr
-                                       ? ArrayStore::create(nullptr)
-                                       : ArrayStore::create(arenaInUse_, ArrayStore::chunkItems);
+        Arena* const arena = arenaForNext();
+        TreeAccess::store(array) =
+            ArrayStore::create(arena, arena == nullptr ? ArrayStore::firstCapacity : ArrayStore::chunkItems);
         opened = open_[depth_++] = TreeAccess::store(array);
         return text;
     }
 
     /// Steps over an opening bracket and the space behind it.
-    char const* enter(char const* bracket)
+    char const* enter(char const* bracket) const
     {
         if (depth_ == deepestNesting)
             fail(bracket, "expected at most 1024 open brackets");
-        // What an array has not needed so far can serve the container within it.
+        return skipSpace(bracket + 1);
+    }
+
+    /// Where a container that is to be opened gets its memory from.
+    Arena* arenaForNext()
+    {
+        // What an array around it has not needed so far can serve it.
         if (arenaInUse_ != nullptr && depth_ != 0 && !open_[depth_ - 1]->object)
             static_cast<ArrayStore*>(open_[depth_ - 1])->trim(arena_);
-        return skipSpace(bracket + 1);
+        return arenaInUse_;
     }
 
     char const* closeContainer(char const* text, StoreHead* innermost)
