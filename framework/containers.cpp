@@ -162,7 +162,6 @@ Element& ArrayStore::grow()
         return append(nullptr);
     Element& last = next[-1]; // a chunk is added together with its first item
     Element& item = append(nullptr);
-    // Only the newest item may draw on the arena, so that items can be filled by several threads.
     TreeAccess::withdrawOffer(last);
     if (last.GetElementType() == Element::object) {
         if (offered == nullptr)
@@ -177,6 +176,8 @@ void ArrayStore::growTo(std::size_t count)
     std::uint32_t const formerChunks = chunks;
     Element* const formerNext = next;
     Element* const formerEnd = chunkEnd;
+    if (size() != 0)
+        TreeAccess::withdrawOffer(next[-1]);
     try {
         for (std::size_t i = size(); i < count; ++i)
             append(nullptr);

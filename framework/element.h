@@ -161,6 +161,8 @@ private:
 /// One node of the tree.
 ///
 /// Assigning a node from a part of itself (`node = node["a"]`), by copy or by move, gives what one expects.
+/// The other way round only a copy does: a node that is moved into a part of itself is held by nothing else
+/// any more.
 class ZELK_EXPORT Element {
 public:
     /// What a node is. The numbers are part of the platform's contract.

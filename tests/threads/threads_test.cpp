@@ -137,6 +137,29 @@ TEST(Threads, DestroyTheMembersOfOneDocumentAllAtOnce)
     }
 }
 
+TEST(Threads, FillTheItemsOfOneListWhichOneThreadMade)
+{
+    for (int round = 0; round < 20; ++round) {
+        Array list;
+        for (unsigned int i = 0; i < 100; ++i)
+            list[i]["id"] = Trivial_T<long long>(i);
+        std::vector<Element*> items;
+        // Added by itself, as one of many at once, and by itself again, each behind an object.
+        items.push_back(&list[100]);
+        list[99 + threadCount]["id"] = Trivial_T<long long>(0);
+        for (unsigned int i = 101; i < 99 + threadCount; ++i)
+            items.push_back(&list[i]);
+        items.push_back(&list[100 + threadCount]);
+        inThreads([&](unsigned int index) {
+            for (std::size_t i = index; i < items.size(); i += threadCount)
+                for (int member = 0; member < 20; ++member)
+                    (*items[i])["member " + std::to_string(member)] = Trivial_T<long long>(member);
+        });
+        for (Element const* item : items)
+            EXPECT_EQ(*item, *items[0]);
+    }
+}
+
 TEST(Threads, ReadOneTreeTogether)
 {
     Element const document = Json::readText(longText());
