@@ -1,3 +1,3 @@
-# file: msgs/msgidstate/info.h
-# tests: info_test
-s/InfoResponseData, 4>/InfoResponseData, 5>/
+# file: msgs/common/payload_message.h
+# tests: payload_message_test info_test
+s/BaseMessage(number)/BaseMessage(number ^ 1)/
