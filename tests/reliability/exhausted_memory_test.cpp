@@ -305,12 +305,17 @@ TEST(ExhaustedMemory, LeavesNothingOfADeepTreeThatCannotBeCopied)
 
 TEST(ExhaustedMemory, LeavesNothingOfATextThatCannotBeRead)
 {
-    // The long one is read into memory that is taken in larger pieces.
+    // The long ones are read into memory that is taken in larger pieces, the items of the last one in one by
+    // itself.
     std::string longText = "[" + treeText;
-    while (longText.size() < 100000)
+    while (longText.size() < 20000)
         longText += "," + treeText;
     longText += "]";
-    for (std::string const& text : {treeText, longText}) {
+    std::string manyItems = "[[]";
+    while (manyItems.size() < 10000)
+        manyItems += ",0";
+    manyItems += "]";
+    for (std::string const& text : {treeText, longText, manyItems}) {
         Element const expected = tree(text);
         EXPECT_GT(
             runOutEverywhereOn(
