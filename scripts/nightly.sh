@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What takes too long for every change: nightly.sh [FUZZING_SECONDS]
-# The tests under valgrind, each fuzzing harness for a long time (half an hour unless told otherwise), and users'
-# projects in every language standard.
+# The stages of ./test --all, users' projects in every language standard, the tests against planted faults and under
+# valgrind, and each fuzzing harness for a long time: half an hour unless told otherwise.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-1800}
@@ -32,9 +32,10 @@ valgrind_tests() {
             -LE 'product|long'
 }
 
+attempt "every stage" env ZELK_ALL_STANDARDS=1 ./test --all
+attempt "planted faults" scripts/mutation.sh
 attempt "tests under valgrind" valgrind_tests
 attempt "fuzzing" scripts/fuzz.sh "$seconds"
-attempt "users' projects in every standard" env ZELK_ALL_STANDARDS=1 ./test package
 
 if [ ${#failed[@]} -ne 0 ]; then
     printf 'Failed: %s\n' "${failed[@]}"
