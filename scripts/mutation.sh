@@ -36,15 +36,16 @@ compile() { ninja -C "$build" --quiet "$@" >"$work/compile.log" 2>&1; }
 ask() {
     local program
     for program in "$@"; do
-        (ulimit -v $memory
-         timeout $longest "$(find "$build/tests" -type f -name "$program")" --gtest_fail_fast) >"$work/test.log" 2>&1 ||
-            return 1
+        # In braces, so that what the shell says of a crash goes into the file too.
+        { (ulimit -v $memory
+           timeout $longest "$(find "$build/tests" -type f -name "$program")" --gtest_fail_fast); } \
+            >"$work/test.log" 2>&1 || return 1
     done
 }
 
 # What belongs to how the product is built, rather than to what it does, is left out.
 ask_all() {
-    ctest --test-dir "$build" -j "$(nproc)" -LE 'product|long' -E '^Abi\.' --stop-on-failure --timeout $longest \
+    ctest --test-dir "$build" -j "$(nproc)" -LE product -E '^Abi\.' --stop-on-failure --timeout $longest \
         >"$work/test.log" 2>&1
 }
 

@@ -29,7 +29,7 @@ valgrind_tests() {
         -DCMAKE_CROSSCOMPILING_EMULATOR="$memcheck" >build/valgrind.log &&
         cmake --build build/valgrind -j "$(nproc)" -- --quiet &&
         ctest --test-dir build/valgrind -j "$(nproc)" --timeout 7200 --output-on-failure --no-tests=error \
-            -LE 'product|long'
+            -LE product
 }
 
 attempt "every stage" env ZELK_ALL_STANDARDS=1 ./test --all
