@@ -15,14 +15,13 @@ cmake --preset release-clang -B "$build" -DZELK_BUILD_FUZZERS=ON -DZELK_BUILD_TE
     -DZELK_BUILD_EXAMPLES=OFF -DZELK_INSTALL=OFF >"$build/configure.log" || { cat "$build/configure.log" >&2; exit 1; }
 cmake --build "$build" -j "$(nproc)" --target "${harnesses[@]/#/fuzz_}" "${harnesses[@]/#/seeds_}" -- --quiet
 
-failed=()
-for harness in "${harnesses[@]}"; do
-    corpus=$build/corpus/$harness
-    crashes=$build/crashes/$harness
-    log=$build/$harness.log
+# fuzz HARNESS: runs one, and tells how it ended.
+fuzz() {
+    local harness=$1
+    local corpus=$build/corpus/$harness crashes=$build/crashes/$harness log=$build/$harness.log
     mkdir -p "$corpus" "$crashes"
     "$build/fuzz/seeds_$harness" --write-seeds "$build/seeds/$harness"
-    kept=()
+    local kept=()
     [ ! -d "fuzz/crashes/$harness" ] || kept=("fuzz/crashes/$harness")
     if "$build/fuzz/fuzz_$harness" -max_total_time="$seconds" -timeout=120 -rss_limit_mb=2048 -print_final_stats=1 \
         -dict=fuzz/json.dict -artifact_prefix="$crashes/" "$corpus" "$build/seeds/$harness" "${kept[@]}" \
@@ -31,7 +30,9 @@ for harness in "${harnesses[@]}"; do
     else
         tail -n 60 "$log"
         echo "$harness: FAILED, the input is in $crashes"
-        failed+=("$harness")
+        return 1
     fi
-done
-[ ${#failed[@]} -eq 0 ]
+}
+export -f fuzz
+export build seconds
+printf '%s\n' "${harnesses[@]}" | xargs -P "$(nproc)" -I{} bash -c 'set -euo pipefail; fuzz "$1"' fuzz {}
