@@ -23,10 +23,11 @@ build=${1:-$work/build}
 if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=ccache CCACHE_NOHASHDIR=1
 fi
-# One compiler and one level of optimisation: both decide which inline functions are left in a library.
+# One compiler and one level of optimisation: both decide which inline functions are left in a library. The descriptions
+# name sources by where they stand in the tree, not on this machine.
 if ! {
     cmake -S "$source_dir" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g -DNDEBUG" -DCMAKE_INSTALL_LIBDIR=lib \
+        "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O2 -g -DNDEBUG -ffile-prefix-map=$source_dir/=" -DCMAKE_INSTALL_LIBDIR=lib \
         -DZELK_BUILD_TESTS=OFF -DZELK_BUILD_TOOLS=OFF -DZELK_BUILD_EXAMPLES=OFF -DCMAKE_SKIP_INSTALL_RPATH=ON &&
         cmake --build "$build" -j "$(nproc)" &&
         cmake --install "$build" --component runtime --prefix "$work/installed" &&
