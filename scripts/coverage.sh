@@ -11,8 +11,8 @@ mkdir -p "$build" "$report"
 cmake --preset coverage -B "$build" -DZELK_BUILD_TOOLS=OFF -DZELK_BUILD_EXAMPLES=OFF \
     -DZELK_PRECOMPILE_TESTS=ON >"$build/configure.log" ||
     { cat "$build/configure.log" >&2; exit 1; }
-cmake --build "$build" -j "$(nproc)" -- --quiet
 find "$build" -name '*.gcda' -delete
+cmake --build "$build" -j "$(nproc)" -- --quiet
 ctest --test-dir "$build" -j "$(nproc)" --output-on-failure --no-tests=error -LE product |
     grep -vE '^ *(Start +[0-9]+|[0-9]+/[0-9]+ .* Passed)'
 
