@@ -144,6 +144,7 @@ ArrayStore* ArrayStore::create(Arena* arena, std::size_t capacity)
 void ArrayStore::addChunk(Arena* arena)
 {
     if (std::uint32_t const used = chunks + 1; (used & chunks) == 0) {
+        // It is pointers that are stored. NOLINTNEXTLINE(bugprone-sizeof-expression)
         auto* const larger = static_cast<Element**>(allocatePiece(arena, 2 * used * sizeof *places));
         std::copy_n(places, used, larger);
         if (places != firstPlaces)
