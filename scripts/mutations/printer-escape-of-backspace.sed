@@ -1,3 +1,3 @@
 # file: framework/json_printer.cpp
 # tests: json_printer_test
-s/putWord("\\\\b")/putWord("\\\\u0008")/
+s/copy(out, "\\\\b")/copy(out, "\\\\u0008")/

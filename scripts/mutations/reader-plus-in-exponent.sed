@@ -1,3 +1,3 @@
 # file: framework/json_reader.cpp
 # tests: json_text_test
-s/(\*p == '-' || \*p == '+')/*p == '-'/
+s/exponent\.negative || isAt(p, '+')/exponent.negative/

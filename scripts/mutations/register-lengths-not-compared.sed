@@ -1,3 +1,3 @@
 # file: msgs/legacystate/registration_commands.cpp
 # tests: legacystate_command_tests
-s/count != types\.size() || //
+s/ids\.size() != types\.size() || //

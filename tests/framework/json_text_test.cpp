@@ -747,6 +747,17 @@ TEST(ReadText, RoundsRandomDecimalsAsTheCLibraryDoes)
 static_assert(LDBL_MANT_DIG > DBL_MANT_DIG,
               "the next test holds the middle between two doubles in a long double");
 
+TEST(ReadText, RoundsUpToTheNextPowerOfTwo)
+{
+    for (int exponent = -30; exponent <= 80; ++exponent) {
+        // Nearer to the power than to the double below it, which is half as far away as the one above.
+        long double const below = std::ldexp(1.0L, exponent) * (1.0L - 0x1p-56L);
+        char digits[40];
+        std::snprintf(digits, sizeof digits, "%.18Le", below);
+        EXPECT_EQ(readText(digits), real(std::ldexp(1.0, exponent))) << digits;
+    }
+}
+
 TEST(ReadText, RoundsTheMiddleBetweenTwoDoublesToTheEvenOne)
 {
     std::mt19937_64 random(9);

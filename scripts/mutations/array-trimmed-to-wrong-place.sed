@@ -1,0 +1,3 @@
+# file: framework/containers.cpp
+# tests: parsed_tree_test
+/^        chunkEnd = next;/{n;s/chunkEnd - chunkItems/chunkEnd - chunkItems + 1/}
