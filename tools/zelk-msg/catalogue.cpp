@@ -351,12 +351,12 @@ std::vector<Kind> makeKinds()
 
 // Recognition.
 
-Element const* child(Element const& parent, std::string_view name)
+Element const* child(Element const& parent, std::string const& name)
 {
     if (parent.GetElementType() != Element::object)
         return nullptr;
     MetaData::Object const& members = parent;
-    auto const found = members.find(std::string(name));
+    auto const found = members.find(name);
     return found == members.end() ? nullptr : &found->element();
 }
 
@@ -396,16 +396,50 @@ std::string_view takeStep(std::string_view& path)
     return step;
 }
 
-/// The member is in the tree, or the list that it belongs to.
-bool has(Element const& tree, Member const& member)
+/// A member by which a kind may be told from others.
+struct Mark {
+    std::vector<std::string> steps; ///< to the member, or to the list that it belongs to
+    bool anyName;                   ///< it has no name of its own to look for
+    bool missed;                    ///< its absence speaks against the kind
+};
+
+struct Marks {
+    Kind const* kind;
+    std::vector<Mark> own; ///< those outside the envelope
+};
+
+/// The marks of every kind, cut into steps once and not for every message.
+std::vector<Marks> const& marks()
 {
+    static std::vector<Marks> const table = [] {
+        std::vector<Marks> result;
+        for (Kind const& kind : kinds()) {
+            result.push_back({&kind, {}});
+            for (Member const& member : kind.members) {
+                if (inEnvelope(kind, member))
+                    continue;
+                Mark mark{{}, false, member.presence != Presence::withPrevious};
+                for (std::string_view path = member.path; !path.empty();) {
+                    std::string_view const step = takeStep(path);
+                    if (step == "*")
+                        break;
+                    mark.anyName = mark.anyName || step == "?";
+                    mark.steps.emplace_back(step);
+                }
+                result.back().own.push_back(std::move(mark));
+            }
+        }
+        return result;
+    }();
+    return table;
+}
+
+bool has(Element const& tree, Mark const& mark)
+{
+    if (mark.anyName)
+        return false;
     Element const* node = &tree;
-    for (std::string_view path = member.path; !path.empty();) {
-        std::string_view const step = takeStep(path);
-        if (step == "*")
-            return true;
-        if (step == "?")
-            return false;
+    for (std::string const& step : mark.steps) {
         node = child(*node, step);
         if (node == nullptr)
             return false;
@@ -419,15 +453,13 @@ struct Resemblance {
 };
 
 /// How many of the kind's own members the tree has, and how many it lacks.
-Resemblance resemblance(Kind const& kind, Element const& tree)
+Resemblance resemblance(Marks const& candidate, Element const& tree)
 {
     Resemblance result;
-    for (Member const& member : kind.members) {
-        if (inEnvelope(kind, member))
-            continue;
-        if (has(tree, member))
+    for (Mark const& mark : candidate.own) {
+        if (has(tree, mark))
             ++result.present;
-        else if (member.presence != Presence::withPrevious)
+        else if (mark.missed)
             ++result.missing;
     }
     return result;
@@ -437,14 +469,14 @@ Kind const* byMembers(Direction direction, Element const& tree)
 {
     Kind const* best = nullptr;
     Resemblance best_resemblance;
-    for (Kind const& kind : kinds()) {
-        if (kind.direction != direction)
+    for (Marks const& candidate : marks()) {
+        if (candidate.kind->direction != direction)
             continue;
-        Resemblance const here = resemblance(kind, tree);
+        Resemblance const here = resemblance(candidate, tree);
         if (here.present > best_resemblance.present ||
             (here.present > 0 && here.present == best_resemblance.present &&
              here.missing < best_resemblance.missing)) {
-            best = &kind;
+            best = candidate.kind;
             best_resemblance = here;
         }
     }
@@ -482,9 +514,12 @@ Kind const* recogniseEnveloped(Direction direction, Element const& tree, std::st
                  " (known are " + knownIds(direction) + ")";
         return nullptr;
     }
-    if (direction == Direction::command)
-        return findKind(id_node == nullptr ? "StateCommand" : "StateCommandWithEventId");
-    return findKind("StateResponse");
+    static Kind const* const command = findKind("StateCommand");
+    static Kind const* const with_id = findKind("StateCommandWithEventId");
+    static Kind const* const response = findKind("StateResponse");
+    if (direction == Direction::response)
+        return response;
+    return id_node == nullptr ? command : with_id;
 }
 
 } // namespace
