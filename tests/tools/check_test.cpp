@@ -155,3 +155,26 @@ TEST(Check, ReportsFilesThatCannotBeRead)
         EXPECT_EQ(result.out, "1 message: 1 fine, 0 refused, 0 different when written again\n");
     }
 }
+
+TEST(Check, FitsAnyNumberOfThreadsIntoTheMemoryLimit)
+{
+    for (char const* const limit : {"32M", "1G"}) {
+        Result const result = check(good, {"-j", "256", "--memory-limit", limit});
+        EXPECT_EQ(result.status, 0) << limit << result.err;
+        EXPECT_EQ(result.out, "1 message: 1 fine, 0 refused, 0 different when written again\n");
+    }
+}
+
+TEST(Check, ReportsWhatItFindsBeforeItWaitsForMore)
+{
+    Setting setting;
+    setting.folder = ::testing::TempDir();
+    // The second message comes only when the finding of the first one has been read.
+    Result const result =
+        run({"bash", "-c",
+             "coproc " ZELK_MSG_PATH " check; echo '{' >&${COPROC[1]}; echo '" + good +
+                 "' >&${COPROC[1]}; read -r line <&${COPROC[0]}; echo \"$line\"; exec {COPROC[1]}>&-; wait"},
+            setting);
+    EXPECT_EQ(result.out,
+              "<stdin>:1:2: not JSON: expected a member name in quotes, found the end of the text\n");
+}

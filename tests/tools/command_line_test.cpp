@@ -100,6 +100,15 @@ TEST(CommandLine, ReadsSizesWithEveryUsualUnit)
         EXPECT_EQ(zelkMsg({"kinds", "--memory-limit", size}).status, 0) << size;
 }
 
+TEST(CommandLine, ReportsHelpThatCannotBeWritten)
+{
+    for (char const* const arguments : {"--help", "--version", "show --help"}) {
+        Result const result = run({"sh", "-c", std::string(ZELK_MSG_PATH " ") + arguments + " > /dev/full"});
+        EXPECT_EQ(result.status, 2) << arguments;
+        EXPECT_EQ(result.err, "zelk-msg: standard output: No space left on device\n");
+    }
+}
+
 TEST(Documents, NameEveryCommandAndOption)
 {
     std::string const folder = ZELK_MSG_FOLDER;
@@ -146,6 +155,7 @@ TEST(Documents, BashCompletionOffersCommandsOptionsAndKinds)
     EXPECT_EQ(complete("zelk-msg s"), "show sequence\n");
     EXPECT_EQ(complete("zelk-msg check --str"), "--strict\n");
     EXPECT_EQ(complete("zelk-msg graph --format p"), "plantuml\n");
+    EXPECT_EQ(complete("zelk-msg graph --format s"), "svg\n");
     EXPECT_EQ(complete("zelk-msg sequence --format m"), "mermaid\n");
     EXPECT_EQ(complete("zelk-msg make Delete"), "DeleteSubscriberCommand\n");
     EXPECT_EQ(complete("zelk-msg show --kind Unre"), "UnregisterCommand\n");

@@ -85,3 +85,44 @@ TEST(MemoryLimit, RefusesATextThatDoesNotEvenFitItself)
     EXPECT_EQ(result.out, "<stdin>:2:1: the text is too long for the memory limit\n"
                           "3 messages: 2 fine, 1 refused, 0 different when written again\n");
 }
+
+TEST(MemoryLimit, KeepsATighterOneOfTheCaller)
+{
+    TemporaryFile const file(hugeMessage());
+    Result const result = run({"bash", "-c", "ulimit -Sv 65536; " ZELK_MSG_PATH " check -q " + file.path()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.out, HasSubstr(":1:1: needs more memory than the limit of 64 MiB\n"));
+}
+
+TEST(MemoryLimit, HoldsTextsOfAnyLengthForSeveralThreads)
+{
+    std::string input;
+    for (int i = 0; i < 12; ++i)
+        input += "{\"clientname\":\"" + std::string(std::size_t{12} << 20, 'x') + "\",\"commandid\":0}\n";
+    for (char const* const jobs : {"1", "2", "8"}) {
+        Result const result = withLimit({"check", "-j", jobs}, "160M", input);
+        EXPECT_EQ(result.status, 0) << jobs;
+        EXPECT_EQ(result.out, "12 messages: 12 fine, 0 refused, 0 different when written again\n");
+    }
+}
+
+TEST(MemoryLimit, IsNotReachedByAnEventWithAParameter)
+{
+    std::string const text =
+        R"({"body":{"eventlist":[{"id":1,"name":"e","param0_default":0,"param0_name":"p","param0_type":"int"}],"id":-1},"header":""})";
+    std::string const finding =
+        "<stdin>:1:75: /body/eventlist/0/param0_name: an event with a parameter cannot be "
+        "received: reading it goes on until memory is exhausted\n";
+    for (std::vector<std::string> const& arguments : {std::vector<std::string>{"show"},
+                                                      {"show", "--json"},
+                                                      {"check", "-q"},
+                                                      {"check", "-q", "-j", "2"},
+                                                      {"graph"},
+                                                      {"graph", "--lint"},
+                                                      {"sequence"},
+                                                      {"diff", "-", "odd-player.json"}}) {
+        Result const result = withLimit(arguments, "64M", text);
+        EXPECT_NE(result.status, 0) << arguments.front();
+        EXPECT_THAT(result.err + result.out, HasSubstr(finding)) << arguments.front();
+    }
+}

@@ -6,14 +6,17 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
 #include <string>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
 using namespace ZelkTest;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace {
 
@@ -154,6 +157,8 @@ INSTANTIATE_TEST_SUITE_P(
                "<stdin>:3  Normal"},
         Damage{"ArrayNotClosed", "[" + good + ",\n", "<stdin>:2:1: the array of messages is not closed\n",
                "<stdin>:1  Normal"},
+        Damage{"ByteOrderMarkBeforeALaterMessage", "\xEF\xBB\xBF\xEF\xBB\xBF{}\n" + good + "\n",
+               "<stdin>:1:1: not JSON: a byte order mark stands before the message\n", "<stdin>:2  Normal"},
         Damage{"ZeroBytes", std::string(3, '\0') + "\n" + good + "\n",
                "<stdin>:1:1: not JSON: expected a value, found byte 0x00\n", "<stdin>:2  Normal"}),
     [](auto const& one) { return one.param.name; });
@@ -362,35 +367,216 @@ TEST(ShowJson, CanBeReadAgain)
     EXPECT_EQ(show(json, {"--json"}).out, json);
 }
 
-TEST(ShowFollow, ShowsWhatIsAddedToTheFile)
-{
-    TemporaryFile const file(good + "\n{\"clientname\":\"late\",");
-    TemporaryFile const out;
-    pid_t const child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (std::freopen(out.path().c_str(), "w", stdout) == nullptr)
+namespace {
+
+/// `show --follow` of a file, which runs as long as this object exists.
+class Follower {
+public:
+    explicit Follower(std::string const& file) : child_(::fork())
+    {
+        if (child_ != 0)
+            return;
+        if (std::freopen(out_.path().c_str(), "w", stdout) == nullptr ||
+            std::freopen(err_.path().c_str(), "w", stderr) == nullptr)
             ::_exit(126);
-        ::execl(ZELK_MSG_PATH, "zelk-msg", "show", "--follow", file.path().c_str(), nullptr);
+        ::execl(ZELK_MSG_PATH, "zelk-msg", "show", "--follow", file.c_str(), nullptr);
         ::_exit(127);
     }
-    auto const waitFor = [&](std::string const& text) {
+    Follower(Follower const&) = delete;
+    Follower& operator=(Follower const&) = delete;
+    ~Follower()
+    {
+        ::kill(child_, SIGTERM);
+        ::waitpid(child_, nullptr, 0);
+    }
+
+    /// True as soon as it has shown the text; false when it does not in a long time.
+    bool shows(std::string const& text) const
+    {
         auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (contentOf(out.path()).find(text) == std::string::npos) {
+        while (contentOf(out_.path()).find(text) == std::string::npos) {
             if (std::chrono::steady_clock::now() > deadline)
                 return false;
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
         return true;
-    };
-    EXPECT_TRUE(waitFor(":1  Normal"));
-    EXPECT_EQ(contentOf(out.path()).find("late"), std::string::npos);
+    }
+
+    std::string output() const { return contentOf(out_.path()); }
+    std::string errors() const { return contentOf(err_.path()); }
+
+private:
+    TemporaryFile out_;
+    TemporaryFile err_;
+    pid_t child_;
+};
+
+std::string from(std::string const& client)
+{
+    return R"({"clientname":")" + client + R"(","commandid":0})" + "\n";
+}
+
+void write(std::string const& path, std::string const& content)
+{
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+} // namespace
+
+TEST(ShowFollow, ShowsWhatIsAddedToTheFile)
+{
+    TemporaryFile const file(good + "\n{\"clientname\":\"late\",");
+    Follower const follower(file.path());
+    EXPECT_TRUE(follower.shows(":1  Normal"));
+    EXPECT_EQ(follower.output().find("late"), std::string::npos);
     file.append("\"commandid\":0,\"id\":-6}\n");
-    EXPECT_TRUE(waitFor("clientname  late"));
+    EXPECT_TRUE(follower.shows("clientname  late"));
     file.append(good + "\n");
-    EXPECT_TRUE(waitFor(":3  Normal"));
-    ::kill(child, SIGTERM);
-    ::waitpid(child, nullptr, 0);
+    EXPECT_TRUE(follower.shows(":3  Normal"));
+}
+
+TEST(ShowFollow, BeginsAgainWithAFileThatWasEmptied)
+{
+    TemporaryFile const file(from("first") + from("second") + R"({"clientname":"never comp)");
+    Follower const follower(file.path());
+    EXPECT_TRUE(follower.shows("clientname  second"));
+    write(file.path(), from("anew"));
+    EXPECT_TRUE(follower.shows("clientname  anew"));
+    EXPECT_THAT(follower.output(),
+                HasSubstr(":1  StateCommand  command\n    commandid   0\n    clientname  anew"));
+    EXPECT_THAT(follower.errors(), HasSubstr(":3:26: not JSON: expected '\"' at the end of a string"));
+}
+
+TEST(ShowFollow, GoesOnWithTheFileThatTookThePlaceOfAnother)
+{
+    TemporaryFile const file(from("old"));
+    std::string const away = file.path() + ".1";
+    Follower const follower(file.path());
+    EXPECT_TRUE(follower.shows("clientname  old"));
+    ASSERT_EQ(std::rename(file.path().c_str(), away.c_str()), 0);
+    write(away, from("old") + from("late"));
+    EXPECT_TRUE(follower.shows("clientname  late"));
+    write(file.path(), from("new"));
+    EXPECT_TRUE(follower.shows("clientname  new"));
+    file.append(from("newer"));
+    EXPECT_TRUE(follower.shows("clientname  newer"));
+    EXPECT_THAT(follower.output(),
+                HasSubstr(":2  StateCommand  command\n    commandid   0\n    clientname  newer"));
+    EXPECT_EQ(follower.errors(), "");
+    ::unlink(away.c_str());
+}
+
+TEST(ShowFollow, EndsWithAPipe)
+{
+    Result const result =
+        run({"sh", "-c", "echo '" + good + "' | timeout 20 " ZELK_MSG_PATH " show --follow"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:1  Normal"));
+}
+
+TEST(ShowFollow, EndsWhenNobodyReadsItsOutput)
+{
+    TemporaryFile const file(good + "\n");
+    // Nothing is added to the file: there is nothing to write that would fail.
+    Result const result = run({"bash", "-c",
+                               "timeout 20 " ZELK_MSG_PATH " show --follow " + file.path() +
+                                   " | head -n 1; echo ${PIPESTATUS[0]}"});
+    EXPECT_THAT(result.out, EndsWith(":1  NormalGlobalEventCommand<-10>  command\n0\n"));
+}
+
+TEST(ShowFollow, TakesOneFileOnly)
+{
+    Result const result = zelkMsg({"show", "--follow", "refused.jsonl", "odd-player.json"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zelk-msg: --follow takes one file only\n");
+}
+
+TEST(Show, ShowsAMessageBeforeItWaitsForTheNext)
+{
+    // The rest of the second message comes only when the first one has been seen.
+    Result const result =
+        run({"bash", "-c",
+             "coproc " ZELK_MSG_PATH " show; printf '%s\\n{\"clientname\"' '" + good +
+                 "' >&${COPROC[1]}; read -r line <&${COPROC[0]}; echo \"$line\";"
+                 "echo ':\"ui\",\"commandid\":0}' >&${COPROC[1]}; exec {COPROC[1]}>&-; cat <&${COPROC[0]}"});
+    EXPECT_THAT(result.out, StartsWith("<stdin>:1  NormalGlobalEventCommand<-10>  command\n"));
+    EXPECT_THAT(result.out, HasSubstr("<stdin>:2  StateCommand  command\n"));
+}
+
+TEST(Show, ShowsItsProgressOnATerminalOnly)
+{
+    // Not in the form in which the class writes it, which takes longer to look at.
+    std::string const slow = "{ \"commandid\":0,\"clientname\":\"ui\",\"eventlist\":{\"ids\":[" + [] {
+        std::string ids = "1";
+        for (int i = 0; i < 2000; ++i)
+            ids += ", 1";
+        return ids;
+    }() + "]}}\n";
+    std::string content;
+    for (int i = 0; i < 6000; ++i)
+        content += slow;
+    TemporaryFile const file(content);
+    std::string const command = ZELK_MSG_PATH " check " + file.path();
+    Setting terminal;
+    terminal.environment["TERM"] = "xterm";
+    std::string const shown = run({"script", "-qec", command, "/dev/null"}, terminal).out;
+    EXPECT_THAT(shown, HasSubstr("% of "));
+    EXPECT_THAT(shown, HasSubstr("\r\033[K6000 messages: ")); // the bar is wiped out first
+    Result const piped = run({"sh", "-c", command}, terminal);
+    EXPECT_EQ(piped.out, "6000 messages: 6000 fine, 0 refused, 0 different when written again\n");
+    EXPECT_EQ(piped.err, "");
+}
+
+TEST(Show, UsesColoursOnATerminalUnlessToldOtherwise)
+{
+    struct Case {
+        char const* variable;
+        char const* value;
+        bool colours;
+    };
+    for (Case const& one : {Case{"LANG", "C", true},
+                            {"NO_COLOR", "", true},
+                            {"NO_COLOR", "1", false},
+                            {"TERM", "dumb", false}}) {
+        Setting terminal;
+        terminal.environment["TERM"] = "xterm";
+        terminal.environment[one.variable] = one.value;
+        std::string const shown = run({"script", "-qec", ZELK_MSG_PATH " kinds", "/dev/null"}, terminal).out;
+        EXPECT_THAT(shown, HasSubstr("RegisterCommand"));
+        EXPECT_EQ(shown.find("\033[") != std::string::npos, one.colours) << one.variable << "=" << one.value;
+    }
+}
+
+TEST(Show, RefusesTextInAnotherEncoding)
+{
+    for (std::string const mark : {"\xFF\xFE", "\xFE\xFF"}) {
+        Result const result = show(mark + std::string("{\0}\0", 4));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, "zelk-msg: <stdin>: the text is UTF-16; messages are UTF-8\n");
+    }
+}
+
+TEST(ShowGrep, ComparesNumbersByTheirValue)
+{
+    std::string const text =
+        R"({"clientname":"ui","commandid":5,"eventId":7,"filterFreq":0.50,"filterType":1,"id":-4,"publisherName":"p"})";
+    for (char const* const condition : {"filterFreq=0.5", "filterFreq=5e-1", "commandid=5.0", "eventId=7"})
+        EXPECT_THAT(show(text, {"--grep", condition}).out, HasSubstr("CreateSubscriberCommand")) << condition;
+    EXPECT_EQ(show(text, {"--grep", "commandid=5.5"}).out, "");
+}
+
+TEST(ShowJson, EscapesWhatCouldDisturbATerminal)
+{
+    std::string const wild =
+        "{\"\xC2\x9B"
+        "1m\":\"\\u001b[31m\x7F\xE2\x80\xAE\",\"clientname\":\"\xC3\xA9\",\"commandid\":0}";
+    std::string const json = show(wild, {"--json"}).out;
+    EXPECT_EQ(json, "{\n"
+                    "  \"clientname\": \"\xC3\xA9\",\n"
+                    "  \"commandid\": 0,\n"
+                    "  \"\\u009b1m\": \"\\u001b[31m\\u007f\\u202e\"\n"
+                    "}\n");
+    EXPECT_EQ(show(json, {"--json"}).out, json);
 }
 
 TEST(Show, RefusesAnEventWithAParameterWithoutTakingMemory)

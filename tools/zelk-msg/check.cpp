@@ -131,6 +131,8 @@ private:
 void add(Report& sum, Report const& part, Output& output)
 {
     output << part.lines;
+    if (output.isTerminal())
+        output.flush();
     sum.messages += part.messages;
     sum.refused += part.refused;
     sum.different += part.different;
@@ -169,13 +171,14 @@ void checkInParallel(TextSource& source, Checker const& checker, unsigned int jo
 int check(Options const& options, Output& output)
 {
     Checker const checker(options.strict);
-    unsigned int const jobs =
+    unsigned int const wanted =
         options.jobs == 0 ? std::max(1U, std::thread::hardware_concurrency()) : options.jobs;
+    unsigned int const jobs = wanted == 1 ? 1 : makeRoomForThreads(wanted);
     int status = fine;
     Report sum;
     for (std::string const& file : options.files.empty() ? std::vector<std::string>{"-"} : options.files) {
         try {
-            TextSource source(file, longestText());
+            TextSource source(file, longestText(), [&output] { output.flush(); });
             if (jobs == 1)
                 checkInOrder(source, checker, sum, output);
             else
@@ -207,7 +210,7 @@ void addCheck(CLI::App& program, Run& run)
     auto const options = std::make_shared<Options>();
     CLI::App* const command = program.add_subcommand(
         "check", "Check that every message is accepted and comes back the same when it is written again");
-    command->add_option("FILE", options->files, "Files to read; - or none is standard input");
+    command->add_option("FILE", options->files, "Files to read; - or none is standard input")->type_name("");
     command->add_flag("--strict", options->strict, "Refuse members that the class does not know, too");
     command
         ->add_option("-j,--jobs", options->jobs,

@@ -1,6 +1,7 @@
 #include "tools/zelk-msg/input.h"
 
 #include "tools/zelk-msg/memory_limit.h"
+#include "tools/zelk-msg/output.h"
 #include "tools/zelk-msg/progress.h"
 #include "tools/zelk-msg/trouble.h"
 
@@ -12,14 +13,14 @@ namespace ZelkMsg {
 
 int readMessages(std::vector<std::string> files,
                  std::function<void(TextSource const& source, Reception& reception)> const& visit,
-                 bool follow)
+                 std::function<void()> const& beforeWaiting, bool follow)
 {
     if (files.empty())
         files.emplace_back("-");
     int status = fine;
     for (std::string const& file : files) {
         try {
-            TextSource source(file, longestText(), follow);
+            TextSource source(file, longestText(), beforeWaiting, follow);
             Progress progress(source.name(), source.size());
             Text text;
             while (source.next(text)) {
@@ -44,9 +45,10 @@ int readMessages(std::vector<std::string> files,
     return status;
 }
 
-void complain(std::string line)
+void complain(std::string const& what)
 {
-    line += '\n';
+    wipeProgress();
+    std::string const line = harmless(what) + '\n';
     // Nobody is left to be told when this fails.
     [[maybe_unused]] ssize_t const written = ::write(STDERR_FILENO, line.data(), line.size());
 }

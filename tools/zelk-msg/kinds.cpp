@@ -130,8 +130,9 @@ void addKinds(CLI::App& program, Run& run)
 {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = program.add_subcommand("kinds", "List the kinds of messages, or describe one");
-    command->add_option("KIND", options->kind,
-                        "The kind to describe: its JSON form with types, and an example");
+    command
+        ->add_option("KIND", options->kind, "The kind to describe: its JSON form with types, and an example")
+        ->type_name("");
     command->footer(
         "Examples:\n"
         "  zelk-msg kinds\n"

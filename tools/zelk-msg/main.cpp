@@ -18,6 +18,7 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -118,7 +119,12 @@ int runProgram(int argc, char const* const* argv)
     try {
         program.parse(argc, argv);
     } catch (CLI::Success const& e) {
-        return program.exit(e);
+        std::ostringstream help;
+        int const status = program.exit(e, help);
+        Output output(ColorMode::never);
+        output << help.str();
+        output.flush();
+        return status;
     } catch (CLI::ParseError const& e) {
         return refuseUsage(program, e, argc, argv);
     }

@@ -22,4 +22,8 @@ std::string memoryLimitText();
 /// The longest text that is worth reading under the limit, in bytes: its tree takes several times as much.
 std::size_t longestText();
 
+/// Adds the stacks of so many threads to the limit, which is for messages. Returns how many there is room
+/// for, at least 1.
+unsigned int makeRoomForThreads(unsigned int wanted);
+
 } // namespace ZelkMsg

@@ -1,5 +1,6 @@
 #include "tools/zelk-msg/output.h"
 
+#include "tools/zelk-msg/progress.h"
 #include "tools/zelk-msg/trouble.h"
 
 #include <algorithm>
@@ -134,6 +135,8 @@ Output& Output::print(Style style, std::string_view text)
 void Output::flush()
 {
     std::string_view rest = buffer_;
+    if (terminal_ && !rest.empty())
+        wipeProgress();
     while (!rest.empty()) {
         ssize_t const count = ::write(STDOUT_FILENO, rest.data(), rest.size());
         if (count >= 0) {

@@ -1,6 +1,7 @@
 #include "tools/zelk-msg/pretty.h"
 
 #include "framework/json_text.h"
+#include "tools/zelk-msg/output.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -27,6 +28,12 @@ bool isRow(Element const& node)
            Zelk::Json::printText(node).size() <= longestRow;
 }
 
+/// What could disturb a terminal is escaped, which means the same in JSON.
+std::string leafText(Element const& node)
+{
+    return harmless(Zelk::Json::printText(node));
+}
+
 void print(std::string& text, Element const& node, std::size_t depth)
 {
     auto const newLine = [&](std::size_t level) { text.append("\n").append(2 * level, ' '); };
@@ -37,7 +44,7 @@ void print(std::string& text, Element const& node, std::size_t depth)
             text += first ? "" : ",";
             first = false;
             newLine(depth + 1);
-            text += Zelk::Json::printText(Element(MetaData::Trivial_T<std::string>(member.name()))) + ": ";
+            text += leafText(Element(MetaData::Trivial_T<std::string>(member.name()))) + ": ";
             print(text, member.element(), depth + 1);
         }
         newLine(depth);
@@ -53,7 +60,7 @@ void print(std::string& text, Element const& node, std::size_t depth)
         newLine(depth);
         text += ']';
     } else {
-        text += Zelk::Json::printText(node);
+        text += leafText(node);
     }
 }
 

@@ -1,18 +1,17 @@
 /// How far the reading of a large file has come.
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <string>
 
 namespace ZelkMsg {
 
-/// A bar on standard error while a file of known size is read, when that is a terminal (and standard output
-/// is not, where it would be in the way). Appears after a while and is wiped out at the end.
+/// A bar on standard error while a file of known size is read, when that is a terminal. Appears when nothing
+/// has been printed for a while, and is wiped out at the end.
 class Progress {
 public:
     /// `size` is 0 when it is not known: then nothing is shown.
-    Progress(std::string name, std::uint64_t size);
+    Progress(std::string const& name, std::uint64_t size);
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
     ~Progress();
@@ -30,9 +29,10 @@ private:
     std::string name_;
     std::uint64_t size_;
     bool active_;
-    bool drawn_ = false;
     unsigned int calls_ = 0;
-    std::chrono::steady_clock::time_point next_;
 };
+
+/// Takes the bar off the terminal, so that something can be printed there. It comes back by itself.
+void wipeProgress();
 
 } // namespace ZelkMsg

@@ -1,6 +1,5 @@
 #include "tools/zelk-msg/reception.h"
 
-#include "framework/json_text.h"
 #include "tools/zelk-msg/culprit.h"
 #include "tools/zelk-msg/memory_limit.h"
 #include "tools/zelk-msg/output.h"
@@ -85,15 +84,6 @@ void readMessage(Reception& reception, Element&& tree)
     }
 }
 
-/// What a parse error says, without the place in front of it.
-std::string expectation(Zelk::Json::ParseError const& e)
-{
-    std::string const text = e.what();
-    std::string const place =
-        "line " + std::to_string(e.line()) + ", column " + std::to_string(e.column()) + ": ";
-    return text.compare(0, place.size(), place) == 0 ? text.substr(place.size()) : text;
-}
-
 /// Of a text that does not parse as a whole, the beginning that is one complete value and is followed by
 /// another.
 std::optional<Element> firstOfSeveral(std::string_view text, std::size_t offset)
@@ -118,8 +108,7 @@ std::size_t receiveFirst(Reception& reception)
         } catch (Zelk::Json::ParseError const& e) {
             auto first = firstOfSeveral(all, e.offset());
             if (!first) {
-                std::string const what = "not JSON: " + expectation(e);
-                refuse(reception, e.offset(), what, "not JSON");
+                refuse(reception, e.offset(), notJson(all, e), "not JSON");
                 return all.size();
             }
             reception.text = all.substr(0, e.offset());
@@ -143,6 +132,17 @@ Place placeAt(Reception const& reception, std::size_t offset)
     if (newlines == 0)
         return {reception.begin.line, reception.begin.column + offset};
     return {reception.begin.line + newlines, offset - before.rfind('\n')};
+}
+
+std::string notJson(std::string_view text, Zelk::Json::ParseError const& e)
+{
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (e.offset() == 0 && text.substr(0, mark.size()) == mark)
+        return "not JSON: a byte order mark stands before the message";
+    std::string const what = e.what();
+    std::string const place =
+        "line " + std::to_string(e.line()) + ", column " + std::to_string(e.column()) + ": ";
+    return "not JSON: " + (what.compare(0, place.size(), place) == 0 ? what.substr(place.size()) : what);
 }
 
 std::string tooMuchMemory()

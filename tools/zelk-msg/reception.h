@@ -2,6 +2,7 @@
 #pragma once
 
 #include "framework/element.h"
+#include "framework/json_text.h"
 #include "tools/zelk-msg/catalogue.h"
 #include "tools/zelk-msg/text_source.h"
 
@@ -41,6 +42,9 @@ void receive(Text const& text, std::function<void(Reception&)> const& visit);
 
 /// The place of the byte at `offset` in the text of the reception.
 Place placeAt(Reception const& reception, std::size_t offset);
+
+/// What is wrong with a text that is not JSON; the place is left out, see placeAt().
+std::string notJson(std::string_view text, Zelk::Json::ParseError const& e);
 
 /// Why a message is refused for which the memory does not suffice.
 std::string tooMuchMemory();

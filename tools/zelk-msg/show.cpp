@@ -2,6 +2,7 @@
 
 #include "framework/json_text.h"
 #include "tools/zelk-msg/commands.h"
+#include "tools/zelk-msg/differences.h"
 #include "tools/zelk-msg/input.h"
 #include "tools/zelk-msg/pretty.h"
 #include "tools/zelk-msg/statistics.h"
@@ -11,8 +12,10 @@
 #include <algorithm>
 #include <fnmatch.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unistd.h>
+#include <utility>
 #include <vector>
 
 namespace ZelkMsg {
@@ -41,6 +44,12 @@ public:
             throw Trouble("--grep wants KEY=VALUE, not '" + text + "'");
         key_ = text.substr(0, equals);
         pattern_ = text.substr(equals + 1);
+        try {
+            Element value = Zelk::Json::readText(pattern_);
+            if (value.GetElementType() == Element::integer || value.GetElementType() == Element::real)
+                number_ = std::move(value);
+        } catch (Zelk::Json::ParseError const&) { // then it is text
+        }
     }
 
     bool holds(Element const& tree) const
@@ -57,7 +66,8 @@ private:
     {
         std::string const text =
             value.GetElementType() == Element::string ? value.asString() : Zelk::Json::printText(value);
-        return ::fnmatch(pattern_.c_str(), text.c_str(), 0) == 0;
+        return ::fnmatch(pattern_.c_str(), text.c_str(), 0) == 0 ||
+               (number_ && differences(*number_, value).empty());
     }
 
     bool holdsBelow(Element const& node) const
@@ -77,6 +87,7 @@ private:
 
     std::string key_;
     std::string pattern_;
+    std::optional<Element> number_; // what the pattern says, when it says a number
 };
 
 /// Which messages the user wants to see.
@@ -110,6 +121,8 @@ private:
 
 int show(Options const& options, Output& output)
 {
+    if (options.follow && options.files.size() > 1)
+        throw Trouble("--follow takes one file only");
     Selection const selection(options);
     Statistics statistics;
     bool const in_view = !options.json && !options.stats;
@@ -130,10 +143,10 @@ int show(Options const& options, Output& output)
             }
             if (!reception.accepted() && !options.stats && complain_too)
                 complain(errorLine(source.name(), reception.place, reception.reason));
-            if (output.isTerminal() || options.follow || (source.size() == 0 && source.drained()))
+            if (output.isTerminal())
                 output.flush();
         },
-        options.follow);
+        [&output] { output.flush(); }, options.follow);
     if (options.stats)
         statistics.print(output);
     return status;
@@ -146,7 +159,7 @@ void addShow(CLI::App& program, Run& run)
     auto const options = std::make_shared<Options>();
     CLI::App* const command = program.add_subcommand(
         "show", "Show messages: kind, envelope, members; and what is refused, with the reason");
-    command->add_option("FILE", options->files, "Files to read; - or none is standard input");
+    command->add_option("FILE", options->files, "Files to read; - or none is standard input")->type_name("");
     command->add_option("--kind", options->kinds, "Only messages of this kind; may be repeated")
         ->type_name("KIND")
         ->allow_extra_args(false);
@@ -160,7 +173,8 @@ void addShow(CLI::App& program, Run& run)
                                           "Count messages and bytes by kind and client, and refusals");
     auto* const json =
         command->add_flag("--json", options->json, "Print the messages as indented JSON instead");
-    auto* const follow = command->add_flag("--follow", options->follow, "Go on reading when the file grows");
+    auto* const follow = command->add_flag("--follow", options->follow,
+                                           "Go on reading when the file grows, is begun anew or replaced");
     stats->excludes(json);
     follow->excludes(stats);
     command->footer(

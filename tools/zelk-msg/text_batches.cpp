@@ -1,5 +1,10 @@
 #include "tools/zelk-msg/text_batches.h"
 
+#include "tools/zelk-msg/trouble.h"
+
+#include <new>
+#include <system_error>
+
 namespace ZelkMsg {
 
 namespace {
@@ -14,8 +19,14 @@ bool TextBatch::fill(TextSource& source)
     spans_.clear();
     Text text;
     while (bytes_.size() < batchSize && source.next(text)) {
-        spans_.push_back({bytes_.size(), text});
-        bytes_ += text.bytes;
+        std::size_t const offset = bytes_.size();
+        try {
+            bytes_ += text.bytes;
+        } catch (std::bad_alloc const&) {
+            text.bytes = {};
+            text.problem = "needs more memory than the limit";
+        }
+        spans_.push_back({offset, text});
     }
     return !spans_.empty();
 }
@@ -29,6 +40,19 @@ std::vector<Text> TextBatch::texts() const
         result.back().bytes = std::string_view(bytes_).substr(span.offset, span.text.bytes.size());
     }
     return result;
+}
+
+void startThreads(std::vector<std::thread>& threads, unsigned int count, std::function<void()> const& work)
+{
+    while (threads.size() < count) {
+        try {
+            threads.emplace_back(work);
+        } catch (std::system_error const& e) {
+            if (threads.empty())
+                throw Trouble("no thread can be started: " + e.code().message());
+            return;
+        }
+    }
 }
 
 } // namespace ZelkMsg

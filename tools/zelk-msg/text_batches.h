@@ -24,6 +24,8 @@ public:
     bool fill(TextSource& source);
     /// The texts, valid as long as the batch is not filled again.
     std::vector<Text> texts() const;
+    /// Bytes of all the texts.
+    std::size_t size() const noexcept { return bytes_.size(); }
 
 private:
     struct Span {
@@ -34,11 +36,18 @@ private:
     std::vector<Span> spans_;
 };
 
+/// Bytes of texts that may wait to be processed; a longer one is processed alone.
+constexpr std::size_t mostBytes = std::size_t{16} << 20;
+
+/// Adds `count` threads that run `work`, or fewer where the system allows no more. Throws Trouble when it
+/// allows none.
+void startThreads(std::vector<std::thread>& threads, unsigned int count, std::function<void()> const& work);
+
 /// Reads the source in batches, lets `jobs` threads turn each into a Result by `process`, and hands the
 /// results to `deliver` in the order of the batches, on the calling thread. Memory stays bounded: only a few
-/// batches are under way at a time. A Result whose `outOfMemory` is set may be so because of what other
-/// threads took; its batch is processed again alone. An exception of `process` or of the source is thrown on,
-/// that of the source after the results of all that was read before.
+/// batches are under way at a time, and only one when its texts are long. A Result whose `outOfMemory` is set
+/// may be so because of what other threads took; its batch is processed again alone. An exception of
+/// `process` or of the source is thrown on, that of the source after the results of all that was read before.
 template <typename Result>
 void processBatches(TextSource& source, unsigned int jobs,
                     std::function<Result(std::vector<Text> const&)> const& process,
@@ -54,6 +63,7 @@ void processBatches(TextSource& source, unsigned int jobs,
     std::condition_variable changed;
     std::deque<std::unique_ptr<Work>> under_way; // in the order of the texts
     std::size_t next = 0;                        // of under_way: not taken by a thread yet
+    std::size_t bytes = 0;                       // of the batches in under_way
     bool ended = false;
     std::shared_mutex memory;
 
@@ -105,14 +115,14 @@ void processBatches(TextSource& source, unsigned int jobs,
             first = std::move(under_way.front());
             under_way.pop_front();
             --next;
+            bytes -= first->batch.size();
         }
         if (first->failure)
             std::rethrow_exception(first->failure);
         deliver(first->result);
     };
     try {
-        for (unsigned int i = 0; i < jobs; ++i)
-            threads.emplace_back(worker);
+        startThreads(threads, jobs, worker);
         std::exception_ptr unreadable;
         while (!unreadable) {
             auto work = std::make_unique<Work>();
@@ -122,14 +132,14 @@ void processBatches(TextSource& source, unsigned int jobs,
             } catch (...) {
                 unreadable = std::current_exception(); // after what was read before it
             }
-            bool full = false;
             {
                 std::lock_guard<std::mutex> const lock(mutex);
+                bytes += work->batch.size();
                 under_way.push_back(std::move(work));
-                full = under_way.size() > 2 * std::size_t{jobs};
             }
             changed.notify_all();
-            if (full)
+            // Only this thread adds and takes away, so that it may look without the lock.
+            while (!under_way.empty() && (under_way.size() > 2 * std::size_t{jobs} || bytes > mostBytes))
                 deliverFirst();
         }
         while (!under_way.empty())

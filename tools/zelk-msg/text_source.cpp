@@ -6,16 +6,18 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 namespace ZelkMsg {
 
 namespace {
 
 constexpr std::size_t chunk = 256 * 1024;
-constexpr auto followInterval = 100 * 1000; // microseconds
+constexpr int followInterval = 100; // milliseconds
 
 bool isSpace(char c)
 {
@@ -127,8 +129,13 @@ private:
 
 } // namespace
 
-TextSource::TextSource(std::string const& file, std::size_t longest, bool follow)
-    : name_(file == "-" ? "<stdin>" : file), descriptor_(STDIN_FILENO), follow_(follow), longest_(longest)
+/// Thrown when a file that is followed begins anew: what was read of a text so far will never be completed.
+struct TextSource::BegunAnew {};
+
+TextSource::TextSource(std::string const& file, std::size_t longest, std::function<void()> beforeWaiting,
+                       bool follow)
+    : name_(file == "-" ? "<stdin>" : file), descriptor_(STDIN_FILENO), longest_(longest),
+      beforeWaiting_(std::move(beforeWaiting))
 {
     if (file != "-") {
         descriptor_ = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
@@ -136,8 +143,12 @@ TextSource::TextSource(std::string const& file, std::size_t longest, bool follow
             throw UnreadableFile(file + ": " + reasonOf(errno));
     }
     struct stat status = {};
-    if (::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode) && !follow)
+    bool const regular = ::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+    follow_ = follow && regular; // anything else ends when its writer ends
+    if (regular && !follow) {
         size_ = static_cast<std::uint64_t>(status.st_size);
+        beforeWaiting_ = nullptr;
+    }
 }
 
 TextSource::~TextSource()
@@ -161,28 +172,16 @@ bool TextSource::more()
     std::size_t const room = std::max(chunk, end_);
     if (buffer_.size() < end_ + room)
         buffer_.resize(end_ + room);
+    if (beforeWaiting_)
+        beforeWaiting_();
     for (;;) {
         ssize_t const count = ::read(descriptor_, buffer_.data() + end_, room);
         if (count > 0) {
             end_ += static_cast<std::size_t>(count);
             return true;
         }
-        if (count == 0 && follow_) {
-            struct stat status = {};
-            auto const seen = static_cast<off_t>(consumed_ + end_);
-            // A file that became shorter was begun anew.
-            if (::fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode) && status.st_size < seen) {
-                ::lseek(descriptor_, 0, SEEK_SET);
-                begin_ = end_ = 0;
-                consumed_ = lineStart_ = 0;
-                line_ = 1;
-                inArray_ = commaAllowed_ = started_ = false;
-                recover_ = 0;
-                continue;
-            }
-            ::usleep(followInterval);
+        if (count == 0 && follow_ && awaitGrowth())
             continue;
-        }
         if (count == 0) {
             ended_ = true;
             return false;
@@ -190,6 +189,45 @@ bool TextSource::more()
         if (errno != EINTR)
             throw UnreadableFile(name_ + ": " + reasonOf(errno));
     }
+}
+
+/// At the end of a file that is followed: waits a while. False when there is nobody left to wait for; throws
+/// BegunAnew when another file took the place of this one, or when this one became shorter.
+bool TextSource::awaitGrowth()
+{
+    pollfd reader{STDOUT_FILENO, 0, 0};
+    if (::poll(&reader, 1, followInterval) > 0)
+        return false; // whoever read the output went away
+    struct stat here = {};
+    if (::fstat(descriptor_, &here) != 0 || here.st_size > static_cast<off_t>(consumed_ + end_))
+        return true;
+    struct stat named = {};
+    bool const replaced = descriptor_ != STDIN_FILENO && ::stat(name_.c_str(), &named) == 0 &&
+                          S_ISREG(named.st_mode) &&
+                          (named.st_dev != here.st_dev || named.st_ino != here.st_ino);
+    if (replaced) {
+        int const other = ::open(name_.c_str(), O_RDONLY | O_CLOEXEC);
+        if (other < 0)
+            return true; // gone again, or not for us; perhaps the next time
+        ::close(descriptor_);
+        descriptor_ = other;
+        throw BegunAnew();
+    }
+    if (here.st_size < static_cast<off_t>(consumed_ + end_)) {
+        ::lseek(descriptor_, 0, SEEK_SET);
+        throw BegunAnew();
+    }
+    return true;
+}
+
+/// Forgets all that was read of the file.
+void TextSource::beginAnew()
+{
+    begin_ = end_ = 0;
+    consumed_ = lineStart_ = 0;
+    line_ = 1;
+    inArray_ = commaAllowed_ = started_ = begunAnew_ = false;
+    recover_ = 0;
 }
 
 /// Hands out `count` bytes, counting the lines in them.
@@ -320,16 +358,42 @@ bool TextSource::give(Text& text, std::size_t length, std::string_view problem)
 
 bool TextSource::next(Text& text)
 {
-    if (!started_) {
-        started_ = true;
-        while (end_ - begin_ < 3 && more()) {
-        }
-        // A mark at the beginning of a file belongs to the file, not to its first message.
-        if (end_ - begin_ >= 3 && std::memcmp(buffer_.data() + begin_, "\xEF\xBB\xBF", 3) == 0) {
-            begin_ += 3;
-            lineStart_ += 3;
+    for (;;) {
+        if (begunAnew_)
+            beginAnew();
+        try {
+            if (!started_)
+                skipByteOrderMark();
+            return nextText(text);
+        } catch (BegunAnew const&) {
+            begunAnew_ = true;
+            // What is left of a text is reported as broken off.
+            if (begin_ < end_)
+                return give(text, end_ - begin_);
         }
     }
+}
+
+/// A mark at the beginning of a file belongs to the file, not to its first message.
+void TextSource::skipByteOrderMark()
+{
+    started_ = true;
+    while (end_ - begin_ < 3 && more()) {
+    }
+    std::string_view const beginning(buffer_.data() + begin_, end_ - begin_);
+    std::string_view const mark = "\xEF\xBB\xBF";
+    if (beginning.substr(0, mark.size()) == mark) {
+        begin_ += mark.size();
+        lineStart_ += mark.size();
+    }
+    for (std::string_view const other : {"\xFF\xFE", "\xFE\xFF"}) {
+        if (beginning.substr(0, other.size()) == other)
+            throw UnreadableFile(name_ + ": the text is UTF-16; messages are UTF-8");
+    }
+}
+
+bool TextSource::nextText(Text& text)
+{
     for (;;) {
         if (recover_ != 0) {
             std::size_t const wanted = recover_;

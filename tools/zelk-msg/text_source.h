@@ -9,7 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,8 +28,13 @@ struct Text {
 class TextSource {
 public:
     /// Throws UnreadableFile when the file cannot be opened. A text longer than `longest` bytes is given as a
-    /// problem. With `follow`, the end of the file is waited for to grow, for ever.
-    TextSource(std::string const& file, std::size_t longest, bool follow = false);
+    /// problem. With `follow`, a regular file is waited for at its end: to grow, to be begun anew, or to be
+    /// replaced by another of its name. That ends only when nobody reads standard output any more.
+    ///
+    /// `beforeWaiting` is called before anything is read that may not be there yet: from a pipe, a terminal,
+    /// or a file that is followed.
+    TextSource(std::string const& file, std::size_t longest, std::function<void()> beforeWaiting = {},
+               bool follow = false);
     TextSource(TextSource const&) = delete;
     TextSource& operator=(TextSource const&) = delete;
     ~TextSource();
@@ -42,11 +47,15 @@ public:
     /// Bytes handed out so far, and of the whole file (0 when that is not known).
     std::uint64_t position() const noexcept { return consumed_ + begin_; }
     std::uint64_t size() const noexcept { return size_; }
-    /// True when next() would have to read from the file, and so might wait.
-    bool drained() const noexcept { return begin_ == end_; }
 
 private:
+    struct BegunAnew;
+
     bool more();
+    bool awaitGrowth();
+    void beginAnew();
+    void skipByteOrderMark();
+    bool nextText(Text& text);
     bool skipSpace();
     void advance(std::size_t count);
     bool findEnd(std::size_t& length, bool& broken);
@@ -60,8 +69,9 @@ private:
 
     std::string name_;
     int descriptor_;
-    bool follow_;
+    bool follow_ = false;
     std::size_t longest_;
+    std::function<void()> beforeWaiting_;
     std::uint64_t size_ = 0;
 
     std::vector<char> buffer_;
@@ -72,6 +82,7 @@ private:
     std::size_t line_ = 1;
     bool ended_ = false;
     bool started_ = false;
+    bool begunAnew_ = false;
     bool inArray_ = false;
     bool commaAllowed_ = false;
     std::size_t recover_ = 0; // column of a broken text that must be skipped first; 0 when there is none
