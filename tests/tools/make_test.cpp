@@ -126,19 +126,41 @@ INSTANTIATE_TEST_SUITE_P(
                 "commandid wants an integer, not \"five\""},
         Refusal{"FractionForAnInteger",
                 {"StateCommand", "--set", "commandid=1.5"},
-                "commandid wants an integer, not 1.5"},
+                "commandid wants an integer, not 1.5; did you mean '2'?"},
         Refusal{"NumberForABoolean",
                 {"EnableLogModeCommand", "--set", "value=1"},
-                "value wants true or false, not 1"},
+                "value wants true or false, not 1; did you mean 'true'?"},
         Refusal{"TextForANumber",
                 {"CreateSubscriberCommand", "--set", "filterFreq=fast"},
                 "filterFreq wants a number, not \"fast\""},
+        Refusal{"MisspelledBoolean",
+                {"EnableLogModeCommand", "--set", "value=ture"},
+                "value wants true or false, not \"ture\"; did you mean 'true'?"},
+        Refusal{"BooleanInOtherWords",
+                {"EnableLogModeCommand", "--set", "value=off"},
+                "value wants true or false, not \"off\"; did you mean 'false'?"},
+        Refusal{"BooleanForAnInteger",
+                {"StateCommand", "--set", "commandid=true"},
+                "commandid wants an integer, not true; did you mean '1'?"},
+        Refusal{"NumberWithAUnit",
+                {"CreateSubscriberCommand", "--set", "filterFreq=2.5Hz"},
+                "filterFreq wants a number, not \"2.5Hz\"; did you mean '2.5'?"},
+        Refusal{"NumberWithAComma",
+                {"CreateSubscriberCommand", "--set", "filterFreq=0,5"},
+                "filterFreq wants a number, not \"0,5\"; did you mean '0.5'?"},
+        Refusal{"NegativeCommandId",
+                {"StateCommand", "--set", "commandid=-7"},
+                "/commandid: -7 would be read as 4294967289; did you mean '0'?"},
+        Refusal{"TextThatIsNotUtf8",
+                {"StateCommand", "--set", "clientname=\xFF"},
+                "/clientname: the string is not UTF-8"},
         Refusal{"IntegerThatIsTooLarge",
                 {"StateCommand", "--set", "commandid=4294967296"},
-                "/commandid: 4294967296 would be read as 0"},
-        Refusal{"ForeignId",
-                {"EnableLogModeCommand", "--set", "id=-4"},
-                "EnableLogModeCommand refuses this: event id does not match expected value"},
+                "/commandid: 4294967296 would be read as 0; did you mean '4294967295'?"},
+        Refusal{
+            "ForeignId",
+            {"EnableLogModeCommand", "--set", "id=-4"},
+            "EnableLogModeCommand refuses this: event id does not match expected value; did you mean '-3'?"},
         Refusal{"ListsOfDifferentLengths",
                 {"RegisterCommand", "--set", "ids=1,2"},
                 "RegisterCommand refuses this: event ids and filter lists do not match"},
@@ -192,16 +214,38 @@ TEST(MakeEdit, RefusesWhatIsWrong)
     EXPECT_EQ(make({"StateCommand", "--edit", "-"}, R"({"clientnam":"x"})").err,
               "zelk-msg: StateCommand has no member 'clientnam'; did you mean 'clientname'?\n");
     EXPECT_EQ(make({"StateCommand", "--edit", "-"}, R"({"clientname":5})").err,
-              "zelk-msg: clientname wants a string, not 5\n");
-    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, "[]").err,
+              "zelk-msg: clientname wants a string, not 5; did you mean '\"5\"'?\n");
+    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, "7").err,
               "zelk-msg: the members to edit must be given as a JSON object\n");
-    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, "{").err,
-              "zelk-msg: -: line 1, column 2: expected a member name in quotes, found the end of the text\n");
+    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, "").err, "zelk-msg: <stdin>: there is no JSON object\n");
+    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, "{}{}").err,
+              "zelk-msg: <stdin>: one JSON object is wanted, not several\n");
+    EXPECT_EQ(make({"StateCommand", "--edit", "-"}, R"({"\u001b[31m":1})").err,
+              "zelk-msg: StateCommand has no member '\\u001b[31m'\n");
     EXPECT_EQ(make({"StateCommand", "--edit", "/nonexistent"}).err,
-              "zelk-msg: /nonexistent: cannot be read\n");
+              "zelk-msg: /nonexistent: No such file or directory\n");
+    EXPECT_EQ(make({"StateCommand", "--edit", "/"}).err, "zelk-msg: /: Is a directory\n");
+}
+
+TEST(MakeEdit, PointsToWhatIsNotJson)
+{
+    Result const result = make({"StateCommand", "--edit", "-"}, "\n{\"commandid\":1,\n  clientname}\n");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "<stdin>:3:3: not JSON: expected a member name in quotes, found 'c'\n");
 }
 
 TEST(Make, PrintsIndentedWhenAsked)
 {
     EXPECT_EQ(make({"StateCommand", "--indent"}).out, "{\n  \"clientname\": \"\",\n  \"commandid\": 0\n}\n");
+}
+
+TEST(Make, EscapesWhatCouldDisturbATerminal)
+{
+    EXPECT_EQ(make({"StateCommand", "--set",
+                    "clientname=\xC2\x9B"
+                    "31m"})
+                  .out,
+              R"({"clientname":"\u009b31m","commandid":0})"
+              "\n");
 }

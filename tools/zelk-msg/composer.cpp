@@ -2,10 +2,13 @@
 
 #include "framework/json_text.h"
 #include "tools/zelk-msg/differences.h"
+#include "tools/zelk-msg/nearest_value.h"
+#include "tools/zelk-msg/reception.h"
 #include "tools/zelk-msg/suggest.h"
 #include "tools/zelk-msg/trouble.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace ZelkMsg {
@@ -189,7 +192,8 @@ Element Composer::checkedLeaf(Type type, std::string const& what, Element value)
         break;
     }
     if (!fits)
-        throw Trouble(what + " wants " + article(type) + ", not " + Zelk::Json::printText(value));
+        throw Trouble(what + " wants " + article(type) + ", not " + Zelk::Json::printText(value) +
+                      didYouMeanValue(type, value));
     return value;
 }
 
@@ -229,16 +233,50 @@ Element Composer::finish() const
     try {
         message->read(Element(tree_));
     } catch (std::runtime_error const& e) {
-        throw Trouble(std::string(kind_.name) + " refuses this: " + e.what());
+        throw Trouble(std::string(kind_.name) + " refuses this: " + e.what() + rightId());
     }
     Element written = message->written();
     auto const changed = differences(tree_, written);
     if (!changed.empty()) {
         Difference const& first = changed.front();
         throw Trouble(first.path + ": " + (first.left.empty() ? "nothing" : first.left) +
-                      " would be read as " + (first.right.empty() ? "nothing" : first.right));
+                      " would be read as " + (first.right.empty() ? "nothing" : first.right) +
+                      nearestInRange(first.path));
     }
     return written;
+}
+
+/// For a member that was set to another id than the one that the kind is bound to.
+std::string Composer::rightId() const
+{
+    if (!kind_.globalEventId)
+        return "";
+    Element const* const id = valueAt(tree_, kind_.direction == Direction::command ? "/id" : "/body/id");
+    bool const wrong = id != nullptr && id->asInt64() != *kind_.globalEventId;
+    return wrong ? "; did you mean '" + std::to_string(*kind_.globalEventId) + "'?" : "";
+}
+
+/// For an integer that the class cuts off: the bound of its range that is nearest.
+std::string Composer::nearestInRange(std::string const& path) const
+{
+    Element const* const value = valueAt(tree_, path);
+    if (value == nullptr || value->GetElementType() != Element::integer)
+        return "";
+    bool const negative = value->asInt64() < 0;
+    for (long long const bound : negative ? std::array<long long, 2>{-2147483648LL, 0}
+                                          : std::array<long long, 2>{4294967295LL, 2147483647LL}) {
+        Element tree = tree_;
+        nodeAt(tree, path) = MetaData::Trivial_T<long long>(bound);
+        auto const message = kind_.create();
+        try {
+            message->read(Element(tree));
+        } catch (std::runtime_error const&) {
+            continue;
+        }
+        if (differences(tree, message->written()).empty())
+            return "; did you mean '" + std::to_string(bound) + "'?";
+    }
+    return "";
 }
 
 } // namespace ZelkMsg

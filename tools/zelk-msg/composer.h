@@ -37,6 +37,8 @@ private:
                                         Zelk::MetaData::Element value) const;
     Zelk::MetaData::Element checkedRecord(Place const& place, std::string const& what,
                                           Zelk::MetaData::Element const& value) const;
+    std::string rightId() const;
+    std::string nearestInRange(std::string const& path) const;
 
     /// What can be set: a leaf, or a whole list.
     struct Place {

@@ -3,12 +3,14 @@
 #include "framework/json_text.h"
 #include "tools/zelk-msg/commands.h"
 #include "tools/zelk-msg/composer.h"
+#include "tools/zelk-msg/input.h"
+#include "tools/zelk-msg/memory_limit.h"
 #include "tools/zelk-msg/pretty.h"
 #include "tools/zelk-msg/trouble.h"
 
-#include <fstream>
-#include <iostream>
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,29 +25,50 @@ struct Options {
     bool indented = false;
 };
 
-Zelk::MetaData::Element readObject(std::string const& file)
+/// The JSON object in the file. Throws Trouble, or reports what is wrong with its text and returns nothing.
+std::optional<Zelk::MetaData::Element> readObject(std::string const& file)
 {
-    try {
-        if (file == "-")
-            return Zelk::Json::readText(std::cin);
-        std::ifstream stream(file, std::ios::binary);
-        return Zelk::Json::readText(stream);
-    } catch (std::ios_base::failure const&) {
-        throw Trouble(file + ": cannot be read");
-    } catch (Zelk::Json::ParseError const& e) {
-        throw Trouble(file + ": " + e.what());
+    TextSource source(file, longestText());
+    Text text;
+    if (!source.next(text))
+        throw Trouble(source.name() + ": there is no JSON object");
+    Reception reception;
+    reception.text = text.bytes;
+    reception.begin = {text.line, text.column};
+    std::string problem(text.problem);
+    std::size_t offset = 0;
+    if (problem.empty()) {
+        try {
+            auto tree = Zelk::Json::readText(text.bytes);
+            if (source.next(text))
+                throw Trouble(source.name() + ": one JSON object is wanted, not several");
+            return tree;
+        } catch (Zelk::Json::ParseError const& e) {
+            problem = notJson(reception.text, e);
+            offset = e.offset();
+        }
     }
+    complain(errorLine(source.name(), placeAt(reception, offset), problem));
+    return std::nullopt;
 }
 
 int make(Options const& options, Output& output)
 {
     Composer composer(kindNamed(options.kind));
-    if (!options.edit.empty())
-        composer.edit(readObject(options.edit));
-    for (std::string const& setting : options.settings)
-        composer.set(setting);
-    auto const tree = composer.finish();
-    output << (options.indented ? prettyText(tree) : Zelk::Json::printText(tree)) << "\n";
+    if (!options.edit.empty()) {
+        auto const object = readObject(options.edit);
+        if (!object)
+            return trouble;
+        composer.edit(*object);
+    }
+    try {
+        for (std::string const& setting : options.settings)
+            composer.set(setting);
+        auto const tree = composer.finish();
+        output << (options.indented ? prettyText(tree) : harmless(Zelk::Json::printText(tree))) << "\n";
+    } catch (Zelk::Json::PrintError const& e) { // arguments may be no text at all
+        throw Trouble(e.what());
+    }
     return fine;
 }
 
@@ -55,7 +78,7 @@ void addMake(CLI::App& program, Run& run)
 {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = program.add_subcommand("make", "Write a message of a kind");
-    command->add_option("KIND", options->kind, "The kind, see zelk-msg kinds")->required();
+    command->add_option("KIND", options->kind, "The kind, see zelk-msg kinds")->required()->type_name("");
     command
         ->add_option(
             "--set", options->settings,
