@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+
 using namespace ZelkTest;
 using testing::HasSubstr;
 
@@ -54,7 +55,7 @@ TEST(Graph, EscapesWhatTheDrawingLanguageWouldInterpret)
 {
     Result const result = graph(space(transition(R"(\"]; \\N <b> &amp; \n\u0001)", R"(a\"b)", 1, "B")));
     EXPECT_EQ(result.status, 0);
-    EXPECT_THAT(result.out, HasSubstr(R"(s0 [label="\"]; \\N <b> &amp;amp; \\n\\x01"])"));
+    EXPECT_THAT(result.out, HasSubstr(R"(s0 [label="\"]; \\N <b> &amp;amp; \\n\\u0001"])"));
     EXPECT_THAT(result.out, HasSubstr(R"(label=" a\"b \n 1 t ")"));
     Setting setting;
     setting.input = result.out;
@@ -90,15 +91,63 @@ TEST(Graph, SaysSoWhenGraphvizIsMissing)
     Result const result = zelkMsg({"graph", "--svg", "/nonexistent/x.svg", door}, setting);
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
-              "zelk-msg: --svg needs the program dot, which is not installed (Debian has it in the package "
-              "graphviz); without --svg the drawing is printed in its language\n");
+              "zelk-msg: SVG needs the program dot, which is not installed (Debian has it in the package "
+              "graphviz); the other formats do without it\n");
 }
 
 TEST(Graph, ReportsThatTheSvgFileCannotBeWritten)
 {
-    Result const result = zelkMsg({"graph", "--svg", "/nonexistent/x.svg", door});
-    EXPECT_EQ(result.status, 2);
-    EXPECT_THAT(result.err, HasSubstr("zelk-msg: dot failed, /nonexistent/x.svg was not drawn\n"));
+    Result const missing = zelkMsg({"graph", "--svg", "/nonexistent/x.svg", door});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(missing.err, "zelk-msg: /nonexistent/x.svg: No such file or directory\n");
+    Result const full = zelkMsg({"graph", "--svg", "/dev/full", door});
+    EXPECT_EQ(full.status, 2);
+    EXPECT_EQ(full.err, "zelk-msg: /dev/full: No space left on device\n");
+}
+
+TEST(Graph, PrintsSvgToStandardOutput)
+{
+    TemporaryFile const file;
+    EXPECT_EQ(zelkMsg({"graph", "--svg", file.path(), door}).status, 0);
+    EXPECT_EQ(zelkMsg({"graph", "--svg", "-", door}).out, contentOf(file.path()));
+    EXPECT_EQ(zelkMsg({"graph", "--format", "svg", door}).out, contentOf(file.path()));
+}
+
+TEST(Graph, BreaksLongNamesAtTheirJoints)
+{
+    Result const result = graph(space(
+        transition("a state whose name tells a whole story of its own",
+                   "event_with_a_name_that_is_a_sentence", 1, std::string(50, 'x')) +
+        "," +
+        transition("WaitingForTheOperatorToConfirmTheRequest", "e", 2, "ShortEnoughForOneLineOfTheDrawing")));
+    EXPECT_THAT(result.out, HasSubstr("[label=\"a state whose name tells a whole \\nstory of its own\"]"));
+    EXPECT_THAT(result.out, HasSubstr("[label=\" event_with_a_name_that_is_a_ \\n sentence \\n 1 t \"]"));
+    EXPECT_THAT(result.out,
+                HasSubstr("[label=\"" + std::string(40, 'x') + "\\n" + std::string(10, 'x') + "\""));
+    EXPECT_THAT(result.out, HasSubstr("[label=\"WaitingForTheOperatorToConfirm\\nTheRequest\""));
+    EXPECT_THAT(result.out, HasSubstr("[label=\"ShortEnoughForOneLineOfTheDrawing\""));
+}
+
+TEST(Graph, GivesNamelessStatesAndEventsALabelInEveryLanguage)
+{
+    std::string const nameless = space(transition("", "", 1, "B"));
+    Result const mermaid = graph(nameless, {"--format", "mermaid"});
+    EXPECT_THAT(mermaid.out, HasSubstr("state \"#8203;\" as s0\n"));
+    EXPECT_THAT(mermaid.out, HasSubstr("s0 --> s1 : #8203;\n"));
+    Result const plant_uml = graph(nameless, {"--format", "plantuml"});
+    EXPECT_THAT(plant_uml.out, HasSubstr("state \"&#8203;\" as s0\n"));
+    EXPECT_THAT(plant_uml.out, HasSubstr("s0 --> s1 : &#8203;\\n1 t\n"));
+}
+
+TEST(Graph, KeepsControlCharactersOutOfEveryLanguage)
+{
+    std::string const wild = space(transition(R"(\u001b[31m\u009b\u202e\n)", R"(\u0007\r)", 1, "B"));
+    for (char const* const format : {"dot", "mermaid", "plantuml", "svg"}) {
+        Result const result = graph(wild, {"--format", format});
+        EXPECT_EQ(result.status, 0);
+        for (char const* const character : {"\033", "\xC2\x9B", "\xE2\x80\xAE", "\a", "\r"})
+            EXPECT_EQ(result.out.find(character), std::string::npos) << format;
+    }
 }
 
 TEST(Graph, SaysSoWhenThereIsNoStateSpace)

@@ -69,3 +69,11 @@ TEST(Sequence, EscapesWhatMermaidWouldInterpret)
     Result const result = sequence(R"({"clientname":"x;y#z: <b>\n","commandid":0})");
     EXPECT_THAT(result.out, HasSubstr("participant c0 as #34;x#59;y#35;z#58; #60;b#62;#92;n#34;\n"));
 }
+
+TEST(Sequence, KeepsAClientCalledLikeAKeywordOfMermaidApart)
+{
+    Result const result =
+        sequence(R"({"clientname":"end","commandid":0}{"clientname":"send","commandid":0})");
+    EXPECT_THAT(result.out, HasSubstr("participant c0 as #101;nd\n"));
+    EXPECT_THAT(result.out, HasSubstr("participant c1 as send\n"));
+}

@@ -1,5 +1,8 @@
 #include "tools/zelk-msg/drawing.h"
 
+#include "tools/zelk-msg/mermaid.h"
+#include "tools/zelk-msg/output.h"
+
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -7,23 +10,6 @@
 namespace ZelkMsg {
 
 namespace {
-
-/// Text with control characters replaced by what they are called, for languages that have no escape for them.
-std::string withoutControls(std::string_view text)
-{
-    constexpr char digits[] = "0123456789abcdef";
-    std::string result;
-    for (char const c : text) {
-        auto const byte = static_cast<unsigned char>(c);
-        if (c == '\n')
-            result += "\\n";
-        else if (byte < 0x20 || byte == 0x7F)
-            result.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-        else
-            result += c;
-    }
-    return result;
-}
 
 /// "open(force: int)"
 std::string eventText(StateGraph::Transition const& transition)
@@ -44,11 +30,39 @@ std::string stateId(std::size_t index)
     return "s" + std::to_string(index);
 }
 
+/// The text in lines that a drawing has room for, cut where names have their joints.
+std::vector<std::string> wrapped(std::string_view text)
+{
+    constexpr std::size_t preferred = 28;
+    constexpr std::size_t most = 40;
+    constexpr std::size_t shortestRest = 8; // not worth a line of its own
+    auto const isJoint = [](char c) {
+        return std::string_view(" _-.:,(/").find(c) != std::string_view::npos;
+    };
+    auto const isLower = [](char c) { return c >= 'a' && c <= 'z'; };
+    auto const isUpper = [](char c) { return c >= 'A' && c <= 'Z'; };
+    std::vector<std::string> lines(1);
+    std::size_t columns = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bool const begins = (static_cast<unsigned char>(text[i]) & 0xC0u) != 0x80u; // a character
+        bool const joint = i > 0 && ((isJoint(text[i - 1]) && !isJoint(text[i])) ||
+                                     (isLower(text[i - 1]) && isUpper(text[i])));
+        bool const full = columns >= most || (columns >= preferred && joint);
+        if (begins && full && width(text.substr(i)) >= shortestRest) {
+            lines.emplace_back();
+            columns = 0;
+        }
+        lines.back() += text[i];
+        columns += begins ? 1 : 0;
+    }
+    return lines;
+}
+
 /// Text for a quoted string of Graphviz, which knows escapes of its own and entities of HTML in it.
 std::string dotText(std::string_view text)
 {
     std::string result;
-    for (char const c : withoutControls(text)) {
+    for (char const c : harmless(text)) {
         if (c == '"' || c == '\\')
             result += '\\';
         if (c == '&')
@@ -59,10 +73,23 @@ std::string dotText(std::string_view text)
     return result;
 }
 
-/// Two lines: the event, and the transition below it.
+/// The event, and the transition below it; with room for the arrow on both sides.
 std::string dotLabel(StateGraph::Transition const& transition)
 {
-    return ' ' + dotText(eventText(transition)) + " \\n " + dotText(transitionText(transition)) + ' ';
+    std::string label;
+    for (std::string const& text : {eventText(transition), transitionText(transition)}) {
+        for (std::string const& line : wrapped(text))
+            label += (label.empty() ? " " : "\\n ") + dotText(line) + ' ';
+    }
+    return label;
+}
+
+std::string dotName(std::string const& name)
+{
+    std::string label;
+    for (std::string const& line : wrapped(name))
+        label += (label.empty() ? "" : "\\n") + dotText(line);
+    return label;
 }
 
 std::string dotEdge(StateGraph::Transition const& transition, std::string const& label, bool ambiguous,
@@ -76,37 +103,36 @@ std::string dotEdge(StateGraph::Transition const& transition, std::string const&
     return text + "];\n";
 }
 
-/// Text for Mermaid labels: what has a meaning there is written as its number.
-std::string mermaidText(std::string_view text)
-{
-    std::string result;
-    for (char const c : withoutControls(text)) {
-        bool const special = std::string_view("\"#;:<>{}[]()&`%\\|*_~").find(c) != std::string_view::npos;
-        if (special)
-            result += '#' + std::to_string(static_cast<unsigned char>(c)) + ';';
-        else
-            result += c;
-    }
-    // An empty label would end the line too early.
-    return result.empty() ? "#8203;" : result;
-}
-
 /// Text for PlantUML labels: what has a meaning there, some of it only in pairs, is written as its number.
 std::string plantUmlText(std::string_view text)
 {
     std::string result;
     char previous = '\0';
-    for (char const c : withoutControls(text)) {
+    for (char const c : harmless(text)) {
         bool const special =
             std::string_view("\"<>&~\\[]{}|").find(c) != std::string_view::npos ||
             (c == previous && std::string_view("*_-/#=.^").find(c) != std::string_view::npos);
         previous = c;
-        if (special)
+        if (c == '\\')
+            result += "<U+005C>"; // some versions stumble over its number
+        else if (special)
             result += "&#" + std::to_string(static_cast<unsigned char>(c)) + ';';
         else
             result += c;
     }
-    return result;
+    return result.empty() ? "&#8203;" : result; // an empty label would be a mistake of syntax
+}
+
+/// What is odd about a state, as the style of its border, and in words inside for versions without that
+/// style.
+std::string plantUmlMarks(StateGraph::State const& state, std::string const& id)
+{
+    std::string text = !state.reachable ? " #line.dashed\n" : state.deadEnd ? " #line.bold\n" : "\n";
+    if (!state.reachable)
+        text += id + " : unreachable\n";
+    if (state.deadEnd)
+        text += id + " : dead end\n";
+    return text;
 }
 
 } // namespace
@@ -114,10 +140,11 @@ std::string plantUmlText(std::string_view text)
 std::string dotDrawing(StateGraph const& graph)
 {
     std::string text = "digraph \"" + dotText(graph.title()) + "\" {\n";
-    text += "    graph [rankdir=TB, nodesep=0.7, ranksep=0.8, fontname=\"Helvetica\"];\n"
+    text += "    graph [rankdir=TB, nodesep=0.7, ranksep=0.8, fontname=\"Helvetica,Arial,sans-serif\"];\n"
             "    node [shape=box, style=\"rounded,filled\", fillcolor=\"#eef3fa\", color=\"#33557f\","
-            " fontname=\"Helvetica\", fontsize=13, margin=\"0.2,0.1\"];\n"
-            "    edge [color=\"#555555\", fontname=\"Helvetica\", fontsize=10, arrowsize=0.8];\n";
+            " fontname=\"Helvetica,Arial,sans-serif\", fontsize=13, margin=\"0.2,0.1\"];\n"
+            "    edge [color=\"#555555\", fontname=\"Helvetica,Arial,sans-serif\", fontsize=10, "
+            "arrowsize=0.8];\n";
     auto const& states = graph.states();
     if (!states.empty()) {
         text += "    start [shape=circle, style=filled, fillcolor=\"#333333\", label=\"\", width=0.16, "
@@ -125,7 +152,7 @@ std::string dotDrawing(StateGraph const& graph)
         text += "    start -> " + stateId(graph.initial()) + ";\n";
     }
     for (std::size_t i = 0; i < states.size(); ++i) {
-        text += "    " + stateId(i) + " [label=\"" + dotText(states[i].name) + '"';
+        text += "    " + stateId(i) + " [label=\"" + dotName(states[i].name) + '"';
         if (states[i].deadEnd)
             text += ", peripheries=2, tooltip=\"dead end\"";
         if (!states[i].reachable)
@@ -188,12 +215,8 @@ std::string plantUmlDrawing(StateGraph const& graph)
     std::string text = "@startuml\nhide empty description\n";
     auto const& states = graph.states();
     for (std::size_t i = 0; i < states.size(); ++i) {
-        text += "state \"" + plantUmlText(states[i].name) + "\" as " + stateId(i);
-        if (!states[i].reachable)
-            text += " #line.dashed";
-        else if (states[i].deadEnd)
-            text += " #line.bold";
-        text += "\n";
+        text += "state \"" + plantUmlText(states[i].name) + "\" as " + stateId(i) +
+                plantUmlMarks(states[i], stateId(i));
     }
     if (!states.empty())
         text += "[*] --> " + stateId(graph.initial()) + "\n";

@@ -8,10 +8,12 @@
 #include "tools/zelk-msg/trouble.h"
 
 #include <algorithm>
-#include <map>
+#include <cerrno>
+#include <cstdio>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 
 namespace ZelkMsg {
 
@@ -28,11 +30,22 @@ struct Options {
     bool lint = false;
 };
 
-std::string describe(StateGraph const& graph, std::string const& format)
+std::string drawing(StateGraph const& graph, std::string const& format)
 {
     if (format == "mermaid")
         return mermaidDrawing(graph);
-    return format == "plantuml" ? plantUmlDrawing(graph) : dotDrawing(graph);
+    if (format == "plantuml")
+        return plantUmlDrawing(graph);
+    std::string const text = dotDrawing(graph);
+    return format == "svg" ? svgOf(text) : text;
+}
+
+void writeFile(std::string const& name, std::string const& content)
+{
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(name.c_str(), "wb"), std::fclose);
+    bool const written = file && std::fwrite(content.data(), 1, content.size(), file.get()) == content.size();
+    if (!written || std::fclose(file.release()) != 0)
+        throw Trouble(name + ": " + std::generic_category().message(errno));
 }
 
 int graph(Options const& options, Output& output)
@@ -73,10 +86,10 @@ int graph(Options const& options, Output& output)
             status = std::max<int>(status, findings);
         return status;
     }
-    if (!options.svg.empty())
-        drawSvg(dotDrawing(graph), options.svg);
+    if (options.svg.empty() || options.svg == "-")
+        output << drawing(graph, options.svg.empty() ? options.format : "svg");
     else
-        output << describe(graph, options.format);
+        writeFile(options.svg, drawing(graph, "svg"));
     return status;
 }
 
@@ -87,14 +100,16 @@ void addGraph(CLI::App& program, Run& run)
     auto const options = std::make_shared<Options>();
     CLI::App* const command =
         program.add_subcommand("graph", "Draw a state space: its states and the transitions between them");
-    command->add_option("FILE", options->file, "File with the state space; - or none is standard input");
-    auto* const svg =
-        command->add_option("--svg", options->svg, "Write a drawing to this file (needs Graphviz)");
+    command->add_option("FILE", options->file, "File with the state space; - or none is standard input")
+        ->type_name("");
+    auto* const svg = command->add_option(
+        "--svg", options->svg, "Write a drawing to this file; - is standard output (needs Graphviz)");
     svg->type_name("OUT.svg");
-    auto* const format =
-        command->add_option("--format", options->format, "Language: dot, mermaid or plantuml")
-            ->check(CLI::IsMember({"dot", "mermaid", "plantuml"}).description(""))
-            ->type_name("NAME");
+    auto* const format = command
+                             ->add_option("--format", options->format,
+                                          "Print it as dot, mermaid, plantuml or svg (that needs Graphviz)")
+                             ->check(CLI::IsMember({"dot", "mermaid", "plantuml", "svg"}).description(""))
+                             ->type_name("NAME");
     auto* const lint = command->add_flag(
         "--lint", options->lint, "List unreachable states, dead ends and non-deterministic transitions");
     command

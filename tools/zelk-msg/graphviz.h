@@ -5,8 +5,7 @@
 
 namespace ZelkMsg {
 
-/// Lets the program dot make a drawing and write it to `file`. Throws Trouble when there is no dot, or it
-/// fails.
-void drawSvg(std::string const& drawing, std::string const& file);
+/// The picture that the program dot makes of a drawing. Throws Trouble when there is no dot, or it fails.
+std::string svgOf(std::string const& drawing);
 
 } // namespace ZelkMsg

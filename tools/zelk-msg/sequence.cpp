@@ -2,13 +2,15 @@
 
 #include "tools/zelk-msg/commands.h"
 #include "tools/zelk-msg/input.h"
+#include "tools/zelk-msg/mermaid.h"
 #include "tools/zelk-msg/table.h"
 #include "tools/zelk-msg/trouble.h"
 #include "tools/zelk-msg/view.h"
 
-#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace ZelkMsg {
@@ -63,12 +65,14 @@ public:
     }
 
     std::vector<Step> const& steps() const { return steps_; }
+    /// In the order in which they first speak.
     std::vector<std::string> const& clients() const { return clients_; }
+    std::size_t numberOf(std::string const& client) const { return numbers_.at(client); }
 
 private:
     void join(std::string const& client)
     {
-        if (std::find(clients_.begin(), clients_.end(), client) == clients_.end())
+        if (numbers_.emplace(client, clients_.size()).second)
             clients_.push_back(client);
     }
 
@@ -84,29 +88,13 @@ private:
 
     std::vector<Step> steps_;
     std::vector<std::string> clients_;
+    std::unordered_map<std::string, std::size_t> numbers_; // index of each in clients_
     std::string client_ = "client";
 };
 
-/// Text for Mermaid: what has a meaning there is written as its number.
-std::string mermaidText(std::string const& text)
-{
-    std::string result;
-    for (char const c : text) {
-        if (std::string_view("#;:<>{}[]()&\"%\\").find(c) != std::string_view::npos)
-            result += '#' + std::to_string(static_cast<unsigned char>(c)) + ';';
-        else
-            result += c;
-    }
-    return result.empty() ? "#8203;" : result;
-}
-
 void printMermaid(Story const& story, Output& output)
 {
-    auto const idOf = [&](std::string const& name) {
-        auto const& clients = story.clients();
-        auto const found = std::find(clients.begin(), clients.end(), name);
-        return "c" + std::to_string(found - clients.begin());
-    };
+    auto const idOf = [&](std::string const& client) { return "c" + std::to_string(story.numberOf(client)); };
     output << "sequenceDiagram\n";
     for (std::string const& client : story.clients())
         output << "    participant " << idOf(client) << " as " << mermaidText(readable(client)) << "\n";
@@ -165,7 +153,7 @@ void addSequence(CLI::App& program, Run& run)
     auto const options = std::make_shared<Options>();
     CLI::App* const command =
         program.add_subcommand("sequence", "Draw a conversation: who sends what to whom, in order");
-    command->add_option("FILE", options->files, "Files to read; - or none is standard input");
+    command->add_option("FILE", options->files, "Files to read; - or none is standard input")->type_name("");
     command->add_option("--format", options->format, "mermaid (a sequence diagram) or text")
         ->check(CLI::IsMember({"mermaid", "text"}).description(""))
         ->type_name("NAME");

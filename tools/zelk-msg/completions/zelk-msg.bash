@@ -31,7 +31,7 @@ _zelk_msg()
             return
             ;;
         --format)
-            local formats="dot mermaid plantuml"
+            local formats="dot mermaid plantuml svg"
             [[ $command == sequence ]] && formats="mermaid text"
             COMPREPLY=($(compgen -W "$formats" -- "$current"))
             return

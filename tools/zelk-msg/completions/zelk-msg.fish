@@ -34,7 +34,7 @@ complete -c zelk-msg -n '__fish_seen_subcommand_from check' -s q -l quiet -d 'Pr
 complete -c zelk-msg -n '__fish_seen_subcommand_from diff' -s q -l quiet -d 'Print nothing'
 
 complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l svg -r -d 'Write a drawing'
-complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l format -x -a 'dot mermaid plantuml' -d 'Language'
+complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l format -x -a 'dot mermaid plantuml svg' -d 'Language'
 complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l lint -d 'List what is odd'
 complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l initial -x -d 'Initial state'
 complete -c zelk-msg -n '__fish_seen_subcommand_from graph' -l number -x -d 'Which state space'
