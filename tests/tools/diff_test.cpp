@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 using namespace ZelkTest;
@@ -102,6 +103,42 @@ TEST(Diff, HandlesConversationsWithoutAnythingInCommon)
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.out,
                 HasSubstr("StateCommand  A:4000  B:4000\n    - /commandid: 3999\n    + /commandid: 13999\n"));
+}
+
+TEST(Diff, FindsTheRestOfConversationsThatDifferInThousandsOfPlaces)
+{
+    std::string left;
+    std::string right = command(-1, "inserted");
+    for (int i = 0; i < 20000; ++i) {
+        left += command(i);
+        right += command(i % 8 == 0 ? 100000 + i : i);
+    }
+    Result const result = diff(left, right);
+    EXPECT_EQ(result.status, 1);
+    // The one that was inserted at the front, and 2500 that changed behind it.
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), 'S'), 2501);
+    EXPECT_THAT(result.out, HasSubstr("StateCommand  A:19993  B:19994\n"
+                                      "    - /commandid: 19992\n    + /commandid: 119992\n"));
+}
+
+TEST(Diff, DoesNotTakeForeverForConversationsOfOtherKinds)
+{
+    std::string left;
+    std::string right;
+    for (int i = 0; i < 50000; ++i) {
+        left += command(i);
+        right += R"({"header":"h","body":{"id":)" + std::to_string(i) + "}}\n";
+    }
+    Result const result = diff(left, right, {"--quiet"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(Diff, RefusesToReadStandardInputTwice)
+{
+    Result const result = zelkMsg({"diff", "-", "-"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zelk-msg: only one of the two can be standard input\n");
 }
 
 TEST(Diff, HandlesEmptyConversations)

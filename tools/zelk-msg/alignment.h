@@ -2,11 +2,18 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace ZelkMsg {
+
+/// An item of a sequence, as far as its place in the other one is concerned.
+struct Item {
+    std::size_t identity; ///< the same for equal items, see Identities
+    std::size_t group;    ///< only items of one group can have become each other
+};
 
 /// An item of the left sequence and the item of the right one that it corresponds to; one of them may be
 /// missing.
@@ -16,10 +23,19 @@ struct Alignment {
     bool equal = false;
 };
 
-/// Matches equal items so that as many as possible match (up to a limit of differences, beyond which they are
-/// taken one by one), and between two matches pairs the items that `related` calls alike.
-std::vector<Alignment> align(std::size_t leftSize, std::size_t rightSize,
-                             std::function<bool(std::size_t left, std::size_t right)> const& equal,
-                             std::function<bool(std::size_t left, std::size_t right)> const& related);
+/// Matches equal items in order, and pairs what is left between two matches by group. As many items match as
+/// possible where the sequences have much in common; where they have not, those do that each has only once.
+/// Takes nearly linear time.
+std::vector<Alignment> align(std::vector<Item> const& left, std::vector<Item> const& right);
+
+/// Numbers for texts, the same for equal ones.
+class Identities {
+public:
+    /// The text must outlive this object.
+    std::size_t of(std::string_view text) { return numbers_.emplace(text, numbers_.size()).first->second; }
+
+private:
+    std::unordered_map<std::string_view, std::size_t> numbers_;
+};
 
 } // namespace ZelkMsg

@@ -8,6 +8,7 @@
 #include "tools/zelk-msg/trouble.h"
 #include "tools/zelk-msg/view.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -109,17 +110,22 @@ private:
 
 int diff(Options const& options, Output& output)
 {
+    if (options.left == "-" && options.right == "-")
+        throw Trouble("only one of the two can be standard input");
     Conversation const left = readConversation(options.left);
     Conversation const right = readConversation(options.right);
     Printer const printer(left, right, output);
     int status = fine;
-    auto const pairs = align(
-        left.entries.size(), right.entries.size(),
-        [&](std::size_t a, std::size_t b) {
-            return left.entries[a].kind == right.entries[b].kind &&
-                   left.entries[a].text == right.entries[b].text;
-        },
-        [&](std::size_t a, std::size_t b) { return left.entries[a].kind == right.entries[b].kind; });
+    Identities identities;
+    auto const itemsOf = [&](Conversation const& conversation) {
+        std::vector<Item> items;
+        items.reserve(conversation.entries.size());
+        for (Entry const& entry : conversation.entries)
+            items.push_back(
+                {identities.of(entry.text), static_cast<std::size_t>(entry.kind - &kinds().front())});
+        return items;
+    };
+    auto const pairs = align(itemsOf(left), itemsOf(right));
     for (Alignment const& pair : pairs) {
         if (pair.equal)
             continue;
@@ -138,8 +144,12 @@ void addDiff(CLI::App& program, Run& run)
     auto const options = std::make_shared<Options>();
     CLI::App* const command = program.add_subcommand(
         "diff", "Compare two messages or two conversations, member by member, by meaning");
-    command->add_option("A", options->left, "File with the first; - is standard input")->required();
-    command->add_option("B", options->right, "File with the second; - is standard input")->required();
+    command->add_option("A", options->left, "File with the first; - is standard input")
+        ->required()
+        ->type_name("");
+    command->add_option("B", options->right, "File with the second; - is standard input")
+        ->required()
+        ->type_name("");
     command->add_flag("-q,--quiet", options->quiet, "Print nothing, only set the exit status");
     command->footer(
         "Messages are compared as their classes read them: 5 and 5.0 are the same where a number is\n"

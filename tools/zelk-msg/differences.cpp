@@ -4,6 +4,7 @@
 #include "tools/zelk-msg/alignment.h"
 
 #include <cstddef>
+#include <deque>
 #include <utility>
 
 namespace ZelkMsg {
@@ -111,9 +112,15 @@ private:
         auto const item = [](MetaData::Array const& array, std::size_t index) -> Element const& {
             return array[static_cast<unsigned int>(index)];
         };
-        auto const equal = [&](std::size_t a, std::size_t b) { return item(left, a) == item(right, b); };
-        auto const related = [](std::size_t, std::size_t) { return true; };
-        for (Alignment const& pair : align(left.size(), right.size(), equal, related)) {
+        std::deque<std::string> texts;
+        Identities identities;
+        auto const itemsOf = [&](MetaData::Array const& array) {
+            std::vector<Item> items;
+            for (Element const& element : array)
+                items.push_back({identities.of(texts.emplace_back(Zelk::Json::printText(element))), 0});
+            return items;
+        };
+        for (Alignment const& pair : align(itemsOf(left), itemsOf(right))) {
             if (pair.equal)
                 continue;
             at(std::to_string(pair.left ? *pair.left : *pair.right), [&] {
