@@ -52,7 +52,7 @@ std::string nearestBoolean(Element const& value)
         return value.asInt64() == 0 ? quoted("false") : value.asInt64() == 1 ? quoted("true") : "";
     if (value.GetElementType() != Element::string)
         return "";
-    std::string const text = value.asString();
+    std::string const& text = value.asString();
     for (std::string_view const yes : {"yes", "on", "y"}) {
         if (text == yes)
             return quoted("true");
