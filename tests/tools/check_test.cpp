@@ -167,14 +167,11 @@ TEST(Check, FitsAnyNumberOfThreadsIntoTheMemoryLimit)
 
 TEST(Check, ReportsWhatItFindsBeforeItWaitsForMore)
 {
-    Setting setting;
-    setting.folder = ::testing::TempDir();
-    // The second message comes only when the finding of the first one has been read.
-    Result const result =
-        run({"bash", "-c",
-             "coproc " ZELK_MSG_PATH " check; echo '{' >&${COPROC[1]}; echo '" + good +
-                 "' >&${COPROC[1]}; read -r line <&${COPROC[0]}; echo \"$line\"; exec {COPROC[1]}>&-; wait"},
-            setting);
+    // The input stays open until the finding has been read.
+    Result const result = run({"bash", "-c",
+                               "coproc " ZELK_MSG_PATH " check; echo '{' >&${COPROC[1]}; echo '" + good +
+                                   "' >&${COPROC[1]}; read -r -t 20 line <&${COPROC[0]}; echo \"$line\"; "
+                                   "exec {COPROC[1]}>&-; wait"});
     EXPECT_EQ(result.out,
               "<stdin>:1:2: not JSON: expected a member name in quotes, found the end of the text\n");
 }

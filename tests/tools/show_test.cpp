@@ -497,7 +497,7 @@ TEST(Show, ShowsAMessageBeforeItWaitsForTheNext)
     Result const result =
         run({"bash", "-c",
              "coproc " ZELK_MSG_PATH " show; printf '%s\\n{\"clientname\"' '" + good +
-                 "' >&${COPROC[1]}; read -r line <&${COPROC[0]}; echo \"$line\";"
+                 "' >&${COPROC[1]}; read -r -t 20 line <&${COPROC[0]}; echo \"$line\";"
                  "echo ':\"ui\",\"commandid\":0}' >&${COPROC[1]}; exec {COPROC[1]}>&-; cat <&${COPROC[0]}"});
     EXPECT_THAT(result.out, StartsWith("<stdin>:1  NormalGlobalEventCommand<-10>  command\n"));
     EXPECT_THAT(result.out, HasSubstr("<stdin>:2  StateCommand  command\n"));
