@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <cctype>
 #include <iterator>
+#include <map>
 #include <utility>
 
 namespace ZelkMsg {
@@ -497,15 +498,28 @@ std::string knownIds(Direction direction)
     return text;
 }
 
+Kind const* byGlobalEventId(Direction direction, int id)
+{
+    using Bound = std::map<std::pair<Direction, int>, Kind const*>;
+    static Bound const bound = [] {
+        Bound result;
+        for (Kind const& kind : kinds()) {
+            if (kind.globalEventId)
+                result.emplace(std::pair(kind.direction, *kind.globalEventId), &kind);
+        }
+        return result;
+    }();
+    auto const found = bound.find({direction, id});
+    return found == bound.end() ? nullptr : found->second;
+}
+
 Kind const* recogniseEnveloped(Direction direction, Element const& tree, std::string& reason)
 {
     Element const* const id_node = idOf(direction, tree);
     std::optional<int> const id = readId(direction, id_node);
     if (id) {
-        for (Kind const& kind : kinds()) {
-            if (kind.direction == direction && kind.globalEventId == id)
-                return &kind;
-        }
+        if (Kind const* const kind = byGlobalEventId(direction, *id))
+            return kind;
     }
     if (Kind const* const kind = byMembers(direction, tree))
         return kind;
@@ -563,7 +577,8 @@ Kind const* recognise(Element const& tree, std::string& reason)
         reason = "a message is a JSON object";
         return nullptr;
     }
-    if (child(tree, "commandid") != nullptr || child(tree, "clientname") != nullptr)
+    static std::string const command_id = "commandid"; // not built for every message
+    if (child(tree, command_id) != nullptr || child(tree, "clientname") != nullptr)
         return recogniseEnveloped(Direction::command, tree, reason);
     if (child(tree, "MsgId") != nullptr || child(tree, "SenderID") != nullptr)
         return findKind("InfoResponse");
