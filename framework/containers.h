@@ -87,10 +87,9 @@ private:
 
 struct ArrayStore : StoreHead {
     static constexpr std::size_t chunkItems = std::__deque_buf_size(sizeof(Element));
-    static constexpr std::size_t firstCapacity = 4;
 
     /// An empty store with room for `capacity` items, 1 to `chunkItems`.
-    static ArrayStore* create(Arena* arena, std::size_t capacity = firstCapacity);
+    static ArrayStore* create(Arena* arena, std::size_t capacity = chunkItems);
 
     std::size_t size() const noexcept
     {
@@ -120,7 +119,7 @@ struct ArrayStore : StoreHead {
     /// Adds an item for a writer. In a long array it offers an arena to an item that follows an object, since
     /// it is likely to become one as well.
     Element& grow();
-    static constexpr std::uint32_t offeringChunks = 3;
+    static constexpr std::uint32_t offeringChunks = 2;
 
     /// Grows to `count` items. Throws std::bad_alloc, and nothing has changed then.
     void growTo(std::size_t count);

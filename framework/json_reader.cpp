@@ -35,6 +35,8 @@ namespace {
 constexpr std::size_t deepestNesting = 1024;
 // Below this a text has too few containers for an arena to pay.
 constexpr std::size_t arenaThreshold = 1024;
+// Room for items that cannot be given back later.
+constexpr std::size_t itemsWithoutArena = 4;
 
 constexpr bool isDigit(char c)
 {
@@ -166,7 +168,7 @@ private:
             return text + 1;
         Arena* const arena = arenaForNext();
         TreeAccess::store(array) =
-            ArrayStore::create(arena, arena == nullptr ? ArrayStore::firstCapacity : ArrayStore::chunkItems);
+            ArrayStore::create(arena, arena == nullptr ? itemsWithoutArena : ArrayStore::chunkItems);
         opened = open_[depth_++] = TreeAccess::store(array);
         return text;
     }
