@@ -1,63 +1,14 @@
 #include "framework/containers.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Zelk::MetaData::Detail {
 
 namespace {
 
-/// Less than, equal to or greater than 0 as `a` comes before, is, or comes after `b`, byte by byte.
-[[gnu::always_inline]] inline int compareNames(std::string_view a, std::string_view b) noexcept
-{
-    // Most names differ in their first byte, which saves the call that compares the rest.
-    if (!a.empty() && !b.empty() && a.front() != b.front())
-        return static_cast<unsigned char>(a.front()) - static_cast<unsigned char>(b.front());
-    return a.compare(b);
-}
-
-template <typename Word>
-bool equalEnds(char const* a, char const* b, std::size_t size) noexcept
-{
-    auto const word = [](char const* text) {
-        Word bits;
-        std::memcpy(&bits, text, sizeof bits);
-        return bits;
-    };
-    return word(a) == word(b) && word(a + size - sizeof(Word)) == word(b + size - sizeof(Word));
-}
-
-/// Whether two names are equal. Most that are not differ in size; short ones are compared by overlapping
-/// words.
-bool isName(std::string_view a, std::string_view b) noexcept
-{
-    std::size_t const size = a.size();
-    if (size != b.size())
-        return false;
-    if (size > 2 * sizeof(std::uint64_t))
-        return a == b;
-    if (size >= sizeof(std::uint64_t))
-        return equalEnds<std::uint64_t>(a.data(), b.data(), size);
-    if (size >= sizeof(std::uint32_t))
-        return equalEnds<std::uint32_t>(a.data(), b.data(), size);
-    return a == b;
-}
-
 std::string const& nameOf(std::_Rb_tree_node_base* node) noexcept
 {
     return static_cast<MemberNode*>(node)->_M_valptr()->name();
-}
-
-/// The member of that name in the tree below `node`, or null.
-[[gnu::noinline]] MemberNode* findInTree(std::_Rb_tree_node_base* node, std::string_view name) noexcept
-{
-    while (node != nullptr) {
-        int const order = compareNames(name, nameOf(node));
-        if (order == 0)
-            break;
-        node = order < 0 ? node->_M_left : node->_M_right;
-    }
-    return static_cast<MemberNode*>(node);
 }
 
 } // namespace
@@ -76,16 +27,16 @@ ObjectStore* ObjectStore::create(Arena* arena, std::uint32_t capacity)
     return new (allocatePiece(arena, size)) ObjectStore(capacity);
 }
 
-MemberNode* ObjectStore::find(std::string_view name) noexcept
+MemberNode* ObjectStore::findInTree(std::string_view name) noexcept
 {
-    if (size() <= linearSearchLimit) {
-        for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
-            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
-                if (isName(slot->_M_valptr()->name(), name))
-                    return slot;
-        return nullptr;
+    std::_Rb_tree_node_base* node = tree._M_header._M_parent;
+    while (node != nullptr) {
+        int const order = compareNames(name, nameOf(node));
+        if (order == 0)
+            break;
+        node = order < 0 ? node->_M_left : node->_M_right;
     }
-    return findInTree(tree._M_header._M_parent, name);
+    return static_cast<MemberNode*>(node);
 }
 
 Object::Member& ObjectStore::insert(std::string_view name, Arena* arena)

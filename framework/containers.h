@@ -22,10 +22,15 @@
 
 #include "framework/arena.h"
 #include "framework/element.h"
+#include "framework/names.h"
 
 #include <cstdint>
 #include <memory>
 #include <string_view>
+
+#ifndef __GLIBCXX__
+#error "the nodes and chunks here are those that the iterators of libstdc++ step through"
+#endif
 
 namespace Zelk::MetaData::Detail {
 
@@ -59,7 +64,16 @@ struct ObjectStore : StoreHead {
     Object::const_iterator end() const noexcept { return Object::const_iterator(&tree._M_header); }
 
     /// The member of that name, or null.
-    MemberNode* find(std::string_view name) noexcept;
+    MemberNode* find(std::string_view name) noexcept
+    {
+        if (size() > linearSearchLimit)
+            return findInTree(name);
+        for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
+            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
+                if (areEqualNames(slot->_M_valptr()->name(), name))
+                    return slot;
+        return nullptr;
+    }
 
     /// The member of that name, inserted as an empty node when there is none. Throws std::bad_alloc, and
     /// nothing has changed then. Costs one comparison when `name` comes after all others.
@@ -83,6 +97,7 @@ struct ObjectStore : StoreHead {
 
 private:
     explicit ObjectStore(std::uint32_t capacity) noexcept;
+    MemberNode* findInTree(std::string_view name) noexcept;
 };
 
 struct ArrayStore : StoreHead {

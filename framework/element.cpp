@@ -225,6 +225,17 @@ using Detail::ObjectStore;
 using Detail::throwTypeError;
 using Detail::TreeAccess;
 
+namespace {
+
+/// The member of that name, inserted as an empty node when there is none.
+[[gnu::always_inline]] inline Element& memberOf(ObjectStore& store, std::string const& name)
+{
+    Detail::MemberNode* const member = store.find(name);
+    return TreeAccess::element(member == nullptr ? store.insert(name, nullptr) : *member->_M_valptr());
+}
+
+} // namespace
+
 // ---- Object
 // -------------------------------------------------------------------------------------------------
 
@@ -275,9 +286,7 @@ Element& Object::operator[](std::string const& name)
 {
     if (store_ == nullptr)
         store_ = ObjectStore::create(nullptr);
-    else if (Detail::MemberNode* const member = store_->find(name))
-        return TreeAccess::element(*member->_M_valptr());
-    return TreeAccess::element(store_->insert(name, nullptr));
+    return memberOf(*store_, name);
 }
 
 unsigned int Object::size() const noexcept
@@ -417,8 +426,10 @@ std::string const& Element::asString() const
 
 Element& Element::operator[](std::string const& name)
 {
-    if (kind_ == object)
-        return object_[name];
+    if (kind_ == object) {
+        ObjectStore* const store = TreeAccess::store(object_);
+        return store == nullptr ? object_[name] : memberOf(*store, name);
+    }
     if (!isEmpty())
         throwTypeError(object, *this);
     // The node becomes an object only when the member is there; moving the object leaves the member in place.

@@ -30,7 +30,7 @@ public:
     Matcher(Sequence const& left, Sequence const& right) : left_(left), right_(right) {}
 
     /// The matches in the part, in order.
-    Matches matches(Part part)
+    Matches matches(Part const& part)
     {
         match(part, 0);
         return std::move(found_);
@@ -141,7 +141,7 @@ private:
         match(between, depth + 1);
     }
 
-    /// Sequence that occur once on each side, in the order of the left one.
+    /// Items that occur once on each side, in the order of the left one.
     Matches uniqueItems(Part const& part) const
     {
         struct Count {
