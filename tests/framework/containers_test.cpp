@@ -259,6 +259,28 @@ TEST(Object, HoldsANameOnce)
     }
 }
 
+TEST(Object, TellsNamesApartThatDifferInOneByte)
+{
+    for (std::size_t size = 1; size <= 40; ++size) {
+        std::string const name(size, 'n');
+        Object members;
+        members[name] = integer(-1);
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = name;
+            other[at] = 'o';
+            ASSERT_TRUE(members.find(other) == members.end()) << other;
+            members[other] = integer(static_cast<long long>(at));
+        }
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string other = name;
+            other[at] = 'o';
+            ASSERT_EQ(members[other].asInt64(), static_cast<long long>(at)) << other;
+        }
+        EXPECT_EQ(members[name].asInt64(), -1);
+        EXPECT_EQ(members.size(), size + 1);
+    }
+}
+
 TEST(Object, EmptyOnesHaveNothingToWalk)
 {
     Object const empty;
