@@ -277,7 +277,7 @@ private:
     // ---- strings
     // ------------------------------------------------------------------------------------------------
 
-    char* printString(char* out, std::string const& text)
+    [[gnu::always_inline]] char* printString(char* out, std::string const& text)
     {
         char const* const data = text.data();
         std::size_t const size = text.size();
@@ -320,7 +320,7 @@ private:
 
     /// Prints text piece by piece: as it is, or one byte to be escaped. There is room for the text as it is;
     /// every escape makes some for itself.
-    char* printPieces(char* out, char const* text, char const* end)
+    [[gnu::noinline]] char* printPieces(char* out, char const* text, char const* end)
     {
         while (true) {
             char const* bad = nullptr;
