@@ -63,14 +63,6 @@ void* Arena::allocate(std::size_t size)
     return piece + 1;
 }
 
-bool Arena::trim(void* end, void* unused) noexcept
-{
-    if (end != cursor_)
-        return false;
-    cursor_ = static_cast<char*>(unused);
-    return true;
-}
-
 void Arena::startChunk(std::size_t needed)
 {
     std::size_t const size = std::max(chunkSize_, sizeof(Chunk) + needed);

@@ -32,7 +32,13 @@ public:
 
     /// Takes back the unused end of a piece, from `unused` to `end`, if nothing was allocated after it; tells
     /// whether it could.
-    bool trim(void* end, void* unused) noexcept;
+    bool trim(void* end, void* unused) noexcept
+    {
+        if (end != cursor_)
+            return false;
+        cursor_ = static_cast<char*>(unused);
+        return true;
+    }
 
 private:
     void startChunk(std::size_t needed);

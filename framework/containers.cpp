@@ -142,16 +142,6 @@ void ArrayStore::growTo(std::size_t count)
     }
 }
 
-void ArrayStore::trim(Arena& arena) noexcept
-{
-    if (chunks == 1 && arena.trim(chunkEnd, next)) {
-        missing = static_cast<std::uint8_t>(missing + (chunkEnd - next));
-        chunkEnd = next;
-        places[0] = chunkEnd - chunkItems;
-        places[1] = chunkEnd;
-    }
-}
-
 void ArrayStore::releaseChunks() noexcept
 {
     while (chunks != 1)

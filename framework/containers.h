@@ -140,7 +140,15 @@ struct ArrayStore : StoreHead {
     void growTo(std::size_t count);
 
     /// Gives places of items that are not needed back to the arena they came from, if that is still possible.
-    void trim(Arena& arena) noexcept;
+    void trim(Arena& arena) noexcept
+    {
+        if (chunks != 1 || !arena.trim(chunkEnd, next))
+            return;
+        missing = static_cast<std::uint8_t>(missing + (chunkEnd - next));
+        chunkEnd = next;
+        places[0] = chunkEnd - chunkItems;
+        places[1] = chunkEnd;
+    }
 
     /// Frees what stands outside the store.
     void releaseChunks() noexcept;
