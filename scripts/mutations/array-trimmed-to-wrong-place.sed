@@ -1,3 +1,3 @@
-# file: framework/containers.cpp
+# file: framework/containers.h
 # tests: parsed_tree_test
 /^        chunkEnd = next;/{n;s/chunkEnd - chunkItems/chunkEnd - chunkItems + 1/}
