@@ -3,6 +3,7 @@
 #   scripts/mutation.sh            every fault
 #   scripts/mutation.sh NAME...    only these
 #   scripts/mutation.sh --list     names them
+#   scripts/mutation.sh --check    only sees to it that each still finds what it changes
 # A fault is a sed script in scripts/mutations. Its comments name the file that it changes and the test programs that
 # ought to notice. What those let pass, all tests are asked about in the end. Fails when a fault survives, no longer
 # changes anything or does not compile.
@@ -21,7 +22,7 @@ if [ "${1:-}" = --list ]; then
     printf '%s\n' "${names[@]}"
     exit 0
 fi
-if [ $# -ne 0 ]; then
+if [ $# -ne 0 ] && [ "$1" != --check ]; then
     names=("$@")
 fi
 for name in "${names[@]}"; do
@@ -30,6 +31,18 @@ done
 
 # The value of a comment of a fault: "file" or "tests".
 said() { sed -n "s/^# $2: //p" "$faults/$1.sed"; }
+
+if [ "${1:-}" = --check ]; then
+    status=0
+    for name in "${names[@]}"; do
+        file=$(said "$name" file)
+        if sed -f "$faults/$name.sed" "$file" | cmp -s - "$file"; then
+            echo "$name changes nothing in $file"
+            status=1
+        fi
+    done
+    exit $status
+fi
 
 compile() { ninja -C "$build" --quiet "$@" >"$work/compile.log" 2>&1; }
 
