@@ -7,10 +7,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <ios>
-#include <memory>
+#include <new>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace Zelk::Json {
 

@@ -1,6 +1,7 @@
 /// Comparing the names of members, which are short and mostly differ early.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string_view>

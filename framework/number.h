@@ -3,12 +3,11 @@
 /// Used by the typed lookups of messages and by lists of integers. Everything else reads strictly, through
 /// the accessors of Element.
 ///
-///     node               double              int                          unsigned int             bool
-///     floating-point     as it is            toward zero, saturating      toward zero, saturating  |x| >
-///     1e-05 integer            nearest double      low 32 bits                  low 32 bits              not
-///     0 boolean            1 or 0              1 or 0                       1 or 0                   as it
-///     is any other          asDouble() throws   asInt64() throws             asInt64() throws asBoolean()
-///     throws
+///     node             double              int and unsigned int         bool
+///     floating-point   as it is            toward zero, saturating      |x| > 1e-05
+///     integer          nearest double      low 32 bits                  not 0
+///     boolean          1 or 0              1 or 0                       as it is
+///     any other        asDouble() throws   asInt64() throws             asBoolean() throws
 #pragma once
 
 #include "framework/element.h"
