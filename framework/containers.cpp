@@ -14,7 +14,6 @@ std::string const& nameOf(std::_Rb_tree_node_base* node) noexcept
 } // namespace
 
 // ---- members
-// ------------------------------------------------------------------------------------------------
 
 ObjectStore::ObjectStore(std::uint32_t capacity) noexcept
     : StoreHead(true), lastBlock(new (firstBlock()) SlotBlock{nullptr, capacity, 0})
@@ -77,7 +76,6 @@ void ObjectStore::trim(Arena& arena) noexcept
 }
 
 // ---- items
-// --------------------------------------------------------------------------------------------------
 
 ArrayStore::ArrayStore(std::size_t capacity) noexcept
     : StoreHead(false), missing(static_cast<std::uint8_t>(chunkItems - capacity)), next(firstItem()),
@@ -151,7 +149,6 @@ void ArrayStore::releaseChunks() noexcept
 }
 
 // ---- whole trees
-// --------------------------------------------------------------------------------------------
 
 void destroy(StoreHead* pending) noexcept
 {

@@ -237,7 +237,6 @@ namespace {
 } // namespace
 
 // ---- Object
-// -------------------------------------------------------------------------------------------------
 
 Object::Object(Object const& other) : Object()
 {
@@ -305,7 +304,6 @@ bool operator==(Object const& a, Object const& b)
 }
 
 // ---- Array
-// --------------------------------------------------------------------------------------------------
 
 Array::Array(Array const& other) : Array()
 {
@@ -370,7 +368,6 @@ bool operator==(Array const& a, Array const& b)
 }
 
 // ---- Element
-// ------------------------------------------------------------------------------------------------
 
 Element::Element(Element const& other) : Element()
 {
@@ -485,7 +482,6 @@ bool operator==(Element const& a, Element const& b)
 }
 
 // ---- values in and out
-// --------------------------------------------------------------------------------------
 
 template <>
 void GetAs<bool>(Element const& element, bool& value)

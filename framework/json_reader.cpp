@@ -256,7 +256,6 @@ private:
     }
 
     // ---- strings
-    // ------------------------------------------------------------------------------------------------
 
     /// Reads a string from its opening quote on. The content is good until the next string is read.
     [[gnu::always_inline]] char const* readString(char const* text, std::string_view& content)
@@ -400,7 +399,6 @@ private:
     }
 
     // ---- numbers
-    // ------------------------------------------------------------------------------------------------
 
     /// The digits of a number without point and leading zeros, as far as 64 bits hold them for sure.
     struct Mantissa {

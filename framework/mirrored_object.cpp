@@ -5,7 +5,6 @@ namespace Zelk::MetaData {
 PartiallySerializableInterface::~PartiallySerializableInterface() = default;
 
 // ---- ReflectorBase
-// ------------------------------------------------------------------------------------------
 
 ReflectorBase::ReflectorBase(MirroredObject* owner, std::string const& name, bool required)
     : owner_(owner), previous_(owner->members_.last_), name_(name), required_(required), set_(required)
@@ -59,7 +58,6 @@ void ReflectorBase::throwIfUninited(std::string const& where) const
 }
 
 // ---- MirroredObject
-// -----------------------------------------------------------------------------------------
 
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned, each record keeps its own fields
 MirroredObject::MembersStorage& MirroredObject::MembersStorage::operator=(MembersStorage const&) noexcept

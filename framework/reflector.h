@@ -114,7 +114,6 @@ public:
 };
 
 // ---- ReflectorNoWriteParend
-// ---------------------------------------------------------------------------------
 
 template <typename T>
 ReflectorNoWriteParend<T, true>::ReflectorNoWriteParend(MirroredObject* owner, std::string const& name,
@@ -214,7 +213,6 @@ T const& ReflectorNoWriteParend<T, true>::operator()() const
 }
 
 // ---- Reflector
-// ----------------------------------------------------------------------------------------------
 
 template <typename T>
 Reflector<T, false, true>::Reflector(MirroredObject* owner, std::string const& name, bool required)

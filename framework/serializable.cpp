@@ -11,7 +11,6 @@ using Detail::Loan;
 using MetaData::Element;
 
 // ---- Serializable
-// -------------------------------------------------------------------------------------------
 
 Serializable::~Serializable() = default;
 
@@ -67,7 +66,6 @@ void Serializable::moveFromMetaData(Element&& source)
 }
 
 // ---- PartiallyDeserializable
-// --------------------------------------------------------------------------------
 
 PartiallyDeserializable::~PartiallyDeserializable() = default;
 

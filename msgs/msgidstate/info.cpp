@@ -12,7 +12,6 @@ template class Reflector<Msgs::MsgIdState::InfoResponseData, true, true>;
 namespace Zelk::Msgs::MsgIdState {
 
 // ---- InfoRequestData
-// ----------------------------------------------------------------------------------------
 
 InfoRequestData::InfoRequestData(bool attribInfo)
     : StateName(this, "StateName", false), AttribInfo(this, "AttribInfo", true, attribInfo)
@@ -34,7 +33,6 @@ InfoRequestData& InfoRequestData::operator=(InfoRequestData const&) = default;
 InfoRequestData::~InfoRequestData() = default;
 
 // ---- InfoResponseData
-// ---------------------------------------------------------------------------------------
 
 // NOLINTNEXTLINE(performance-unnecessary-value-param): by value in the signature that programs link with
 InfoResponseData::InfoResponseData(std::string stateName) : StateName(this, "StateName", true, stateName) {}
@@ -49,7 +47,6 @@ InfoResponseData& InfoResponseData::operator=(InfoResponseData const&) = default
 InfoResponseData::~InfoResponseData() = default;
 
 // ---- InfoResponse
-// -------------------------------------------------------------------------------------------
 
 InfoResponse::InfoResponse(std::vector<std::string> const& senderId, std::string const& stateName)
     : SenderID_Required(senderId)

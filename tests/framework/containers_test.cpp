@@ -27,7 +27,6 @@ using Tests::object;
 using Tests::text;
 
 // ---- Object
-// -------------------------------------------------------------------------------------------------
 
 /// Numbers of members around which an object changes: the linear search ends, a further block begins.
 unsigned int const memberCounts[] = {0,   1,   2,   7,   8,   9,   11,  12,   13,   14,
@@ -403,7 +402,6 @@ TEST(Object, ComparesNamesAndValues)
 }
 
 // ---- Array
-// --------------------------------------------------------------------------------------------------
 
 /// Numbers of items around which an array changes: the memory of the store itself is used up, the deque needs
 /// a larger map, a map is no longer a small piece.
@@ -591,7 +589,6 @@ TEST(Array, ComparesItemsInOrder)
 }
 
 // ---- many random edits against a model
-// ----------------------------------------------------------------------
 
 /// What a tree should be: the simplest structure that can hold one.
 struct Model {

@@ -54,7 +54,6 @@ std::vector<Sample> samples()
 }
 
 // ---- kinds and accessors
-// ------------------------------------------------------------------------------------
 
 TEST(Element, TellsItsKindByTheNumbersOfThePlatform)
 {
@@ -168,7 +167,6 @@ TEST(Element, ErrorsAreErrorsOfTheElementModelAndRuntimeErrors)
 }
 
 // ---- members and conversions
-// --------------------------------------------------------------------------------
 
 TEST(Element, IndexingAnEmptyNodeMakesItAnObjectWithOneEmptyMember)
 {
@@ -280,7 +278,6 @@ TEST(Element, WritableContainersAreThoseOfTheNode)
 }
 
 // ---- copying and moving
-// -------------------------------------------------------------------------------------
 
 static_assert(std::is_nothrow_default_constructible_v<Element> &&
               std::is_nothrow_default_constructible_v<Object> &&
@@ -476,7 +473,6 @@ TEST(Element, MovesOutOfATreeLeaveTheRestInPlace)
 }
 
 // ---- equality
-// -----------------------------------------------------------------------------------------------
 
 TEST(Element, EqualsOnlyANodeOfTheSameKindAndContent)
 {
@@ -554,7 +550,6 @@ TEST(Element, EqualityDoesNotSeeTheWayATreeWasBuilt)
 }
 
 // ---- values in and out
-// --------------------------------------------------------------------------------------
 
 TEST(GetAs, ReadsTheValueOfANodeOfItsKind)
 {

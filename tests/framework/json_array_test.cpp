@@ -58,7 +58,6 @@ static_assert(std::is_nothrow_move_constructible_v<Array<int>> &&
 static_assert(std::is_base_of_v<Serializable, Array<Record>>);
 
 // ---- as a container
-// -----------------------------------------------------------------------------------------
 
 TEST(JsonArray, OffersWhatAVectorOffers)
 {
@@ -124,7 +123,6 @@ TEST(JsonArray, IsBuiltCopiedAndMoved)
 }
 
 // ---- writing
-// ------------------------------------------------------------------------------------------------
 
 TEST(JsonArray, WritesIntegersAsIntegerNodes)
 {
@@ -176,7 +174,6 @@ TEST(JsonArray, WritesRecordsThroughTheirVirtualHook)
 }
 
 // ---- reading
-// ------------------------------------------------------------------------------------------------
 
 TEST(JsonArray, ReadsIntegersLeniently)
 {

@@ -36,7 +36,6 @@ using Tests::shown;
 using Tests::text;
 
 // ---- layout
-// -------------------------------------------------------------------------------------------------
 
 TEST(PrintText, PrintsEveryKindWithoutWhiteSpace)
 {
@@ -90,7 +89,6 @@ TEST(PrintText, PrintsContainersOfEverySize)
 }
 
 // ---- strings
-// ------------------------------------------------------------------------------------------------
 
 TEST(PrintText, EscapesOnlyWhatMustBeEscaped)
 {
@@ -214,7 +212,6 @@ TEST(PrintText, RefusesEveryStringThatIsNotUtf8)
 }
 
 // ---- numbers
-// ------------------------------------------------------------------------------------------------
 
 /// What to_chars gives, with ".0" where nothing else tells that the number is floating-point.
 std::string expectedText(double value)
@@ -342,7 +339,6 @@ TEST(PrintText, PrintsIntegersOfEveryLength)
 }
 
 // ---- what has no text
-// ---------------------------------------------------------------------------------------
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
@@ -422,7 +418,6 @@ TEST(PrintText, LeavesTheTreeAsItIs)
 }
 
 // ---- streams
-// ------------------------------------------------------------------------------------------------
 
 TEST(PrintText, WritesTheTextToAStream)
 {

@@ -40,7 +40,6 @@ using Tests::shown;
 using Tests::text;
 
 // ---- values
-// -------------------------------------------------------------------------------------------------
 
 struct Accepted {
     std::string text;
@@ -118,7 +117,6 @@ TEST(ReadText, KeepsTheLastOfARepeatedNameInObjectsOfEverySize)
 }
 
 // ---- where a text is refused
-// --------------------------------------------------------------------------------
 
 TEST(ReadText, JudgesEveryByteAndEveryPairOfBytes)
 {
@@ -285,7 +283,6 @@ TEST(ParseError, KeepsWhatItIsBuiltFromWhenCopied)
 }
 
 // ---- nesting
-// ------------------------------------------------------------------------------------------------
 
 std::string nested(std::size_t levels, std::string const& opening, std::string const& inside,
                    std::string const& closing)
@@ -328,7 +325,6 @@ TEST(ReadText, CountsOnlyOpenBrackets)
 }
 
 // ---- strings
-// ------------------------------------------------------------------------------------------------
 
 std::string utf8(unsigned int code)
 {
@@ -541,7 +537,6 @@ TEST(ReadText, NeverLooksBehindTheEndOfTheText)
 }
 
 // ---- numbers
-// ------------------------------------------------------------------------------------------------
 
 bool sameBits(double a, double b)
 {
@@ -914,7 +909,6 @@ TEST(ReadText, RoundsNumbersOfUpTo19DigitsToTheNearestDouble)
 }
 
 // ---- streams
-// ------------------------------------------------------------------------------------------------
 
 TEST(ReadText, ReadsAStreamToItsEnd)
 {

@@ -26,7 +26,6 @@ using Tests::real;
 using Tests::text;
 
 // ---- records
-// ------------------------------------------------------------------------------------------------
 
 class Record : public Serializable {
 public:
@@ -151,7 +150,6 @@ TEST(Serializable, FromElementFillsADefaultRecord)
 }
 
 // ---- messages
-// -----------------------------------------------------------------------------------------------
 
 /// Two levels of a message; the log tells the order in which the hooks do their work.
 class Message : public PartiallyDeserializable {
@@ -559,7 +557,6 @@ TEST(PartiallyDeserializable, KeepsItsTreeWhenTwoAreWrittenIntoOneTarget)
 }
 
 // ---- lookups
-// ------------------------------------------------------------------------------------------------
 
 TEST(ElementImpl, GivesTheMemberAndCreatesItWhenItIsMissing)
 {

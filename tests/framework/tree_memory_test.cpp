@@ -48,7 +48,6 @@ Element richTree()
 }
 
 // ---- where no memory is needed
-// ------------------------------------------------------------------------------
 
 TEST(TreeMemory, EmptyContainersTakeNone)
 {
@@ -109,7 +108,6 @@ TEST(TreeMemory, MovesSwapsClearAndDestructionTakeNone)
 }
 
 // ---- where it runs out
-// --------------------------------------------------------------------------------------
 
 void nothing() {}
 
@@ -415,7 +413,6 @@ TEST(ExhaustedMemory, ReadingAStreamReportsIt)
 }
 
 // ---- messages and lists
-// -------------------------------------------------------------------------------------
 
 class Message : public Json::PartiallyDeserializable {
 public:

@@ -196,7 +196,6 @@ TEST(MirroredObject, ReadsTheInnerRecordsItCan)
 }
 
 // ---- copies
-// -------------------------------------------------------------------------------------------------
 
 TEST(RecordCopy, TakesOverWhatIsSet)
 {
@@ -301,7 +300,6 @@ TEST(MembersStorage, KeepsItsOwnRegistrationsWhenTheOwnerIsAssigned)
 }
 
 // ---- registration
-// -------------------------------------------------------------------------------------------
 
 /// Writes itself while it is being destroyed, when the fields of the derived record are gone.
 struct WritesAtTheEnd : MirroredObject {

@@ -54,7 +54,6 @@ struct Refusing : MirroredObject {
 };
 
 // ---- what a field of each type reads and writes
-// -------------------------------------------------------------
 
 template <typename T>
 struct Values;
@@ -338,7 +337,6 @@ TYPED_TEST(FieldOf, CannotBeConstructedFromAnother)
 }
 
 // ---- the untyped part
-// ---------------------------------------------------------------------------------------
 
 TEST(ReflectorBase, BecomesRequiredWithoutBecomingSet)
 {
@@ -360,7 +358,6 @@ TEST(ReflectorBase, TellsAnyAccessorThatRefused)
 }
 
 // ---- the ways to read and write
-// -----------------------------------------------------------------------------
 
 /// Counts the calls that go through the virtual operations.
 struct Counting : Field<long long> {
@@ -435,7 +432,6 @@ TEST(Reflector, TakesAStringLiteral)
 }
 
 // ---- fields whose value is a record
-// -------------------------------------------------------------------------
 
 class FieldOfRecord : public testing::Test {
 protected:

@@ -36,7 +36,6 @@ std::string written(T const& source)
 }
 
 // ---- ReflectedAddress
-// ---------------------------------------------------------------------------------------
 
 class AddressField : public testing::Test {
 protected:
@@ -144,7 +143,6 @@ TEST(ListOfStrings, IsReadWhollyOrNotAtAll)
 }
 
 // ---- Message
-// ------------------------------------------------------------------------------------------------
 
 TEST(Message, WritesItsIdentifierAndTheAddressesThatAreSet)
 {

@@ -57,7 +57,6 @@ UnregisterCommand unregistering(std::string const& client, std::vector<int> cons
 std::string const mismatch = "runtime_error: event ids and filter lists do not match";
 
 // ---- one event
-// ----------------------------------------------------------------------------------------------
 
 TEST(RegisterCommandEvent, HoldsItsThreeValues)
 {
@@ -112,7 +111,6 @@ TEST(RegisterCommandEvent, AListOfThemReadByItselfHasZeroItems)
 }
 
 // ---- registering: writing
-// -----------------------------------------------------------------------------------
 
 TEST(RegisterCommand, WritesItsForm)
 {
@@ -212,7 +210,6 @@ TEST(RegisterCommand, WritesTheEnvelopeThenViewsAllArraysThenClearsThem)
 }
 
 // ---- registering: reading
-// -----------------------------------------------------------------------------------
 
 TEST(RegisterCommand, ReadsItsForm)
 {
@@ -406,7 +403,6 @@ TEST(RegisterCommand, ReadsFromAndWritesIntoItsOwnMetadata)
 }
 
 // ---- unregistering
-// ------------------------------------------------------------------------------------------
 
 TEST(UnregisterCommand, WritesItsForm)
 {

@@ -65,7 +65,6 @@ Command read(std::string const& json)
 }
 
 // ---- the class tree
-// -----------------------------------------------------------------------------------------
 
 TEST(StateMessage, IsTheAbstractRootOfCommands)
 {
@@ -109,7 +108,6 @@ TEST(StateCommand, IsNotMadeFromANumberByAccident)
 }
 
 // ---- writing
-// ------------------------------------------------------------------------------------------------
 
 TEST(StateCommand, WritesExactlyItsTwoMembers)
 {
@@ -189,7 +187,6 @@ TEST(StateCommand, CarriesAnyClientName)
 }
 
 // ---- reading
-// ------------------------------------------------------------------------------------------------
 
 TEST(StateCommand, ReadsAnyCommandId)
 {
@@ -276,7 +273,6 @@ TEST(StateCommand, ReadsAndWritesStreams)
 }
 
 // ---- the internal metadata object
-// ---------------------------------------------------------------------------
 
 TEST(StateCommand, WritesUnknownMembersOutAgain)
 {
@@ -351,7 +347,6 @@ TEST(StateCommand, TakesItsOwnClientName)
 }
 
 // ---- a free event id
-// ----------------------------------------------------------------------------------------
 
 TEST(StateCommandWithEventId, BeginsWithTheIdsGiven)
 {
@@ -407,7 +402,6 @@ TEST(StateCommandWithEventId, ComesBackFromItsText)
 }
 
 // ---- a global event id
-// --------------------------------------------------------------------------------------
 
 template <int N>
 struct Bound {

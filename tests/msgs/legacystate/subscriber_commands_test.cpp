@@ -58,7 +58,6 @@ MetaData::Element formOf(Command const& command)
 }
 
 // ---- subscribing
-// --------------------------------------------------------------------------------------------
 
 TEST(CreateSubscriberCommand, BeginsEmpty)
 {
@@ -265,7 +264,6 @@ TEST(CreateSubscriberCommand, CopiesShareNothing)
 }
 
 // ---- ending a subscription
-// ----------------------------------------------------------------------------------
 
 TEST(DeleteSubscriberCommand, BeginsEmpty)
 {
@@ -364,7 +362,6 @@ TEST(DeleteSubscriberCommand, WritesUnknownMembersOutAgain)
 }
 
 // ---- the log mode
-// -------------------------------------------------------------------------------------------
 
 TEST(EnableLogModeCommand, BeginsWithTheValueGiven)
 {

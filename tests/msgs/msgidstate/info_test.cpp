@@ -37,7 +37,6 @@ std::string written(MetaData::MirroredObject const& record)
 std::string const name100(100, 'n');
 
 // ---- InfoRequestData
-// ----------------------------------------------------------------------------------------
 
 TEST(InfoRequestData, NamesNoStateUntilItIsTold)
 {
@@ -152,7 +151,6 @@ TEST(InfoRequestData, IsCopiedByTheCopyRuleOfFields)
 }
 
 // ---- InfoResponseData
-// ---------------------------------------------------------------------------------------
 
 TEST(InfoResponseData, NamesTheUnknownStateByDefault)
 {
@@ -209,7 +207,6 @@ TEST(InfoResponseData, IsAssignedDeeply)
 }
 
 // ---- InfoResponse
-// -------------------------------------------------------------------------------------------
 
 TEST(InfoResponse, SaysWhoIsInWhichState)
 {
