@@ -6,6 +6,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstring>
 #include <ios>
 #include <istream>
 #include <limits>
@@ -67,7 +68,8 @@ unsigned int leadingDigits(char const* text, std::uint64_t& value)
 constexpr std::uint64_t powersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
 /// Builds the tree of one text in one pass. Open containers are kept on a stack of its own. What reads a part
-/// of the text is given the place where the part begins, and gives the place behind it.
+/// of the text is given the place where the part begins, and gives the place behind it. What few texts need
+/// is kept out of line, so that the common way through stays short.
 class Reader {
 public:
     explicit Reader(std::string_view text)
