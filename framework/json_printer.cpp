@@ -319,7 +319,7 @@ private:
     }
 
     /// Prints text piece by piece: as it is, or one byte to be escaped. There is room for the text as it is;
-    /// every escape makes some for itself.
+    /// every escape makes some for itself. Out of line, since few strings need it.
     [[gnu::noinline]] char* printPieces(char* out, char const* text, char const* end)
     {
         while (true) {
