@@ -6,13 +6,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <ios>
-#include <new>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace Zelk::Json {
 
@@ -31,43 +30,77 @@ namespace {
 
 constexpr std::size_t deepestNesting = 1024;
 
-/// Text that grows: at first where it is, then on the heap.
+/// Text that is written into a block, which is emptied into a string whenever it is full. A text that fits
+/// into the block costs one allocation, and a large one is not copied as a whole when it is done.
 class Buffer {
 public:
+    static constexpr std::size_t size = 8192;
+
     Buffer() = default;
     Buffer(Buffer const&) = delete;
     Buffer& operator=(Buffer const&) = delete;
-    ~Buffer() { std::free(heap_); }
 
-    char const* data() const noexcept { return begin_; }
+    char* begin() noexcept { return block_; }
 
-    /// Makes room for `size` more bytes behind `out`, the end of the text so far; gives that end anew.
-    char* reserve(char* out, std::size_t size)
+    /// Makes room for `count` more bytes, which must fit into the block, behind `out`, the end of the text so
+    /// far; gives that end anew.
+    char* reserve(char* out, std::size_t count)
     {
-        return __builtin_expect(static_cast<std::size_t>(end_ - out) >= size, 1) ? out : grow(out, size);
+        return __builtin_expect(room(out) >= count, 1) ? out : empty(out);
     }
 
-    char* begin() noexcept { return begin_; }
+    /// Adds text of any length, and sees to room for `count` more bytes.
+    char* append(char* out, char const* text, std::size_t length, std::size_t count)
+    {
+        if (room(out) < length + count)
+            out = empty(out);
+        if (size < length + count) {
+            store(text, length);
+            return out;
+        }
+        std::memcpy(out, text, length);
+        return out + length;
+    }
+
+    /// The text, which ends at `out`; it stays here.
+    std::string_view view(char* out)
+    {
+        if (text_.empty())
+            return {block_, static_cast<std::size_t>(out - block_)};
+        empty(out);
+        return text_;
+    }
+
+    /// The text, which ends at `out`; nothing is left of it here.
+    std::string take(char* out)
+    {
+        if (text_.empty())
+            return {block_, out};
+        empty(out);
+        return std::move(text_);
+    }
 
 private:
-    char* grow(char* out, std::size_t size)
+    std::size_t room(char const* out) const noexcept { return static_cast<std::size_t>(block_ + size - out); }
+
+    [[gnu::noinline]] char* empty(char* out)
     {
-        auto const used = static_cast<std::size_t>(out - begin_);
-        std::size_t const capacity = std::max(used + size, 2 * static_cast<std::size_t>(end_ - begin_));
-        char* const moved = static_cast<char*>(std::realloc(heap_, capacity));
-        if (moved == nullptr)
-            throw std::bad_alloc();
-        if (heap_ == nullptr)
-            std::memcpy(moved, first_, used);
-        begin_ = heap_ = moved;
-        end_ = moved + capacity;
-        return moved + used;
+        store(block_, static_cast<std::size_t>(out - block_));
+        return block_;
     }
 
-    char first_[1024];
-    char* heap_ = nullptr;
-    char* begin_ = first_;
-    char* end_ = first_ + sizeof first_;
+    void store(char const* text, std::size_t length)
+    {
+        // Thrice, since the usual heap gives memory back to the system once twice the largest piece is free,
+        // which by doubling is just what the outgrown pieces and the text leave behind: every page would be
+        // faulted in anew for the next text.
+        if (text_.capacity() - text_.size() < length)
+            text_.reserve(std::max(3 * text_.capacity(), text_.size() + length));
+        text_.append(text, length);
+    }
+
+    std::string text_;
+    char block_[size];
 };
 
 /// Prints one tree. Open containers are kept on a stack of its own. What prints a part of the text is given
@@ -75,13 +108,11 @@ private:
 /// behind which it has seen to the same.
 class Printer {
 public:
-    std::string_view print(Element const& root)
-    {
-        char* out = printValue(buffer_.begin(), root);
-        while (depth_ != 0)
-            out = top().store->object ? printMembers(out) : printItems(out);
-        return {buffer_.data(), static_cast<std::size_t>(out - buffer_.data())};
-    }
+    /// The text of a tree, good as long as this printer.
+    std::string_view view(Element const& root) { return buffer_.view(print(root)); }
+
+    /// The text of a tree.
+    std::string text(Element const& root) { return buffer_.take(print(root)); }
 
 private:
     // The longest number has 24 characters, and there are a comma and a bracket or a colon around it.
@@ -92,6 +123,14 @@ private:
         Object::const_iterator member;
         std::size_t index;
     };
+
+    char* print(Element const& root)
+    {
+        char* out = printValue(buffer_.begin(), root);
+        while (depth_ != 0)
+            out = top().store->object ? printMembers(out) : printItems(out);
+        return out;
+    }
 
     Open& top() noexcept { return *at(depth_ - 1); }
     Open* at(std::size_t level) noexcept { return reinterpret_cast<Open*>(open_) + level; }
@@ -281,9 +320,10 @@ private:
     {
         char const* const data = text.data();
         std::size_t const size = text.size();
-        out = buffer_.reserve(out, size + 2 + margin);
+        constexpr std::size_t longest = 2 * Detail::Block::size;
+        out = buffer_.reserve(out, longest + 2 + margin);
         *out++ = '"';
-        if (size <= 2 * Detail::Block::size && copyPlain(out, data, size))
+        if (size <= longest && copyPlain(out, data, size))
             out += size;
         else
             out = printPieces(out, data, data + size);
@@ -318,8 +358,8 @@ private:
         return !first.hasSpecial() && !last.hasSpecial();
     }
 
-    /// Prints text piece by piece: as it is, or one byte to be escaped. There is room for the text as it is;
-    /// every escape makes some for itself. Out of line, since few strings need it.
+    /// Prints text piece by piece: as it is, or one byte to be escaped; behind it there is room for a quote
+    /// and the margin. Out of line, since few strings need it.
     [[gnu::noinline]] char* printPieces(char* out, char const* text, char const* end)
     {
         while (true) {
@@ -327,16 +367,16 @@ private:
             char const* const next = Detail::skipPlain(text, end, bad);
             if (bad != nullptr)
                 fail("the string is not UTF-8");
-            auto const size = static_cast<std::size_t>(next - text);
-            std::memcpy(out, text, size);
-            out += size;
+            out =
+                buffer_.append(out, text, static_cast<std::size_t>(next - text), longestEscape + 1 + margin);
             if (next == end)
                 return out;
             out = printEscaped(out, *next);
             text = next + 1;
-            out = buffer_.reserve(out, static_cast<std::size_t>(end - text) + 1 + margin);
         }
     }
+
+    static constexpr std::size_t longestEscape = 6;
 
     static char* printEscaped(char* out, char c)
     {
@@ -398,7 +438,7 @@ private:
 std::string printText(Element const& tree)
 {
     Printer printer;
-    return std::string(printer.print(tree));
+    return printer.text(tree);
 }
 
 void printText(Element const& tree, std::ostream& stream)
@@ -407,7 +447,7 @@ void printText(Element const& tree, std::ostream& stream)
     if (!stream.good())
         throw failure();
     Printer printer;
-    std::string_view const text = printer.print(tree);
+    std::string_view const text = printer.view(tree);
     try {
         stream.write(text.data(), static_cast<std::streamsize>(text.size()));
     } catch (...) { // what the stream's buffer threw, if the stream passes it on

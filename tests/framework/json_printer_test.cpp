@@ -157,6 +157,38 @@ TEST(PrintText, PrintsEveryCharacterBeyondAsciiAsItIs)
     EXPECT_EQ(printText(text(all)), '"' + all + '"');
 }
 
+TEST(PrintText, PrintsTextsThatOutgrowItsRoomAnywhere)
+{
+    // The values behind the filler are moved byte by byte over every end of the room that a text may begin
+    // in.
+    std::string const wide(32, 'w');
+    std::string const escapes(20, '\x01');
+    Element const smallest = integer(std::numeric_limits<long long>::min());
+    Element const values =
+        array({text(wide), smallest, text(wide + 'w'), smallest, text(escapes), text("e\xC3\xA9"),
+               real(-2.2250738585072014e-308), boolean(false), Element(), object({}),
+               array({object({{"", text("")}})}), object({{wide, smallest}})});
+    std::string const valuesText = printText(values);
+    for (std::size_t const room : {4096u, 8192u, 24576u})
+        for (std::size_t size = room - 400; size <= room + 60; ++size) {
+            std::string const filler(size, 'f');
+            ASSERT_EQ(printText(array({text(filler), values, text(wide)})),
+                      "[\"" + filler + "\"," + valuesText + ",\"" + wide + "\"]")
+                << size;
+            ASSERT_EQ(printText(object({{filler, text(filler)}})), "{\"" + filler + "\":\"" + filler + "\"}")
+                << size;
+            // Short pieces fill the room otherwise than one long piece does.
+            MetaData::Array items;
+            std::string expected = "[";
+            for (unsigned int i = 0; i < size / 4; ++i) {
+                items[i] = integer(100 + i % 900);
+                expected += std::to_string(100 + i % 900) + ',';
+            }
+            items[items.size()] = values;
+            ASSERT_EQ(printText(Element(items)), expected + valuesText + ']') << size;
+        }
+}
+
 TEST(PrintText, PrintsLongStringsOfMixedContent)
 {
     std::mt19937 random(4);
