@@ -18,32 +18,45 @@ namespace Zelk::MetaData::Detail {
 }
 
 template <typename Word>
-bool haveEqualEnds(std::string_view a, std::string_view b) noexcept
+[[gnu::always_inline]] inline bool haveEqualWord(char const* a, char const* b) noexcept
 {
-    auto const word = [](char const* text) {
-        Word bits;
-        std::memcpy(&bits, text, sizeof bits);
-        return bits;
-    };
-    std::size_t const last = a.size() - sizeof(Word);
-    return word(a.data()) == word(b.data()) && word(a.data() + last) == word(b.data() + last);
+    Word wordOfA;
+    Word wordOfB;
+    std::memcpy(&wordOfA, a, sizeof wordOfA);
+    std::memcpy(&wordOfB, b, sizeof wordOfB);
+    return wordOfA == wordOfB;
 }
 
-/// Whether two names are equal. Most that are not differ in size; short ones are compared by their ends,
-/// which overlap.
+/// Whether two names of one size, which is at least that of a Word, begin and end alike; the words may
+/// overlap.
+template <typename Word>
+[[gnu::always_inline]] inline bool haveEqualEnds(char const* a, char const* b, std::size_t size) noexcept
+{
+    std::size_t const last = size - sizeof(Word);
+    return haveEqualWord<Word>(a, b) && haveEqualWord<Word>(a + last, b + last);
+}
+
+/// Whether two names are equal. Most that are not differ in size. Compares the rest itself, since around a
+/// call a search would have to save and restore all that it keeps in registers.
 [[gnu::always_inline]] inline bool areEqualNames(std::string_view a, std::string_view b) noexcept
 {
-    if (a.size() != b.size())
+    using Word = std::uint64_t;
+    std::size_t const size = b.size();
+    if (a.size() != size)
         return false;
-    if (a.size() > 2 * sizeof(std::uint64_t))
-        return a == b;
-    if (a.size() >= sizeof(std::uint64_t))
-        return haveEqualEnds<std::uint64_t>(a, b);
-    if (a.size() >= sizeof(std::uint32_t))
-        return haveEqualEnds<std::uint32_t>(a, b);
-    if (a.size() >= sizeof(std::uint16_t))
-        return haveEqualEnds<std::uint16_t>(a, b);
-    return a.empty() || a.front() == b.front();
+    if (size >= sizeof(Word)) {
+        if (!haveEqualEnds<Word>(a.data(), b.data(), size))
+            return false;
+        for (std::size_t i = sizeof(Word); i + sizeof(Word) < size; i += sizeof(Word))
+            if (!haveEqualWord<Word>(a.data() + i, b.data() + i))
+                return false;
+        return true;
+    }
+    if (size >= sizeof(std::uint32_t))
+        return haveEqualEnds<std::uint32_t>(a.data(), b.data(), size);
+    if (size >= sizeof(std::uint16_t))
+        return haveEqualEnds<std::uint16_t>(a.data(), b.data(), size);
+    return size == 0 || a.front() == b.front();
 }
 
 } // namespace Zelk::MetaData::Detail

@@ -1,3 +1,3 @@
 # file: framework/names.h
 # tests: containers_test
-s/return word(a.data()) == word(b.data()) \&\& /return /
+s/return haveEqualWord<Word>(a, b) \&\& /return /
