@@ -43,13 +43,6 @@ void release(Chunk* chunk, std::size_t pieces) noexcept
 
 } // namespace
 
-Arena::Arena(std::size_t expected) noexcept : chunkSize_(std::clamp(expected, smallestChunk, largestChunk)) {}
-
-Arena::~Arena()
-{
-    leaveChunk();
-}
-
 void* Arena::allocate(std::size_t size)
 {
     size = roundUp(size) + sizeof(PieceHead);
@@ -65,19 +58,20 @@ void* Arena::allocate(std::size_t size)
 
 void Arena::startChunk(std::size_t needed)
 {
-    std::size_t const size = std::max(chunkSize_, sizeof(Chunk) + needed);
+    std::size_t const size =
+        std::max(std::clamp(nextSize_, smallestChunk, largestChunk), sizeof(Chunk) + needed);
     auto* memory = static_cast<char*>(::operator new(size));
-    leaveChunk();
+    if (chunk_ != nullptr)
+        leaveChunk();
     chunk_ = new (memory) Chunk{{workingCount}};
     cursor_ = memory + sizeof(Chunk);
     end_ = memory + size;
-    chunkSize_ = std::min(2 * chunkSize_, largestChunk);
+    nextSize_ = 2 * size;
 }
 
 void Arena::leaveChunk() noexcept
 {
-    if (chunk_ != nullptr)
-        release(chunk_, workingCount - handedOut_);
+    release(chunk_, workingCount - handedOut_);
     handedOut_ = 0;
 }
 

@@ -22,10 +22,14 @@ class Arena {
 public:
     /// An arena for about `expected` bytes in all; further chunks are larger. Nothing is allocated before the
     /// first piece.
-    explicit Arena(std::size_t expected) noexcept;
+    explicit Arena(std::size_t expected) noexcept : nextSize_(expected) {}
     Arena(Arena const&) = delete;
     Arena& operator=(Arena const&) = delete;
-    ~Arena();
+    ~Arena()
+    {
+        if (chunk_ != nullptr)
+            leaveChunk();
+    }
 
     /// A piece of `size` bytes, aligned for pointers. Throws std::bad_alloc.
     void* allocate(std::size_t size);
@@ -48,7 +52,7 @@ private:
     std::size_t handedOut_ = 0;
     char* cursor_ = nullptr;
     char* end_ = nullptr;
-    std::size_t chunkSize_;
+    std::size_t nextSize_; // of a chunk, before it is limited
 };
 
 /// A piece out of `arena`, or out of the heap when there is none. Throws std::bad_alloc.

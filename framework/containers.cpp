@@ -11,6 +11,23 @@ std::string const& nameOf(std::_Rb_tree_node_base* node) noexcept
     return static_cast<MemberNode*>(node)->_M_valptr()->name();
 }
 
+/// Links `count` nodes, given in the order of their names, into a balanced tree; gives its root. Below
+/// `blackLevels` levels its nodes are red, which must be those of the last one.
+std::_Rb_tree_node_base* linkEvenly(std::_Rb_tree_node_base* const* nodes, std::size_t count,
+                                    std::_Rb_tree_node_base* parent, unsigned int blackLevels) noexcept
+{
+    if (count == 0)
+        return nullptr;
+    std::size_t const before = count / 2;
+    std::_Rb_tree_node_base* const root = nodes[before];
+    unsigned int const below = blackLevels == 0 ? 0 : blackLevels - 1;
+    root->_M_color = blackLevels == 0 ? std::_S_red : std::_S_black;
+    root->_M_parent = parent;
+    root->_M_left = linkEvenly(nodes, before, root, below);
+    root->_M_right = linkEvenly(nodes + before + 1, count - before - 1, root, below);
+    return root;
+}
+
 } // namespace
 
 // ---- members
@@ -38,17 +55,19 @@ MemberNode* ObjectStore::findInTree(std::string_view name) noexcept
     return static_cast<MemberNode*>(node);
 }
 
-Object::Member& ObjectStore::insert(std::string_view name, Arena* arena)
+Object::Member& ObjectStore::insert(Characters const& name, Arena* arena)
 {
+    if (size() == smallSize)
+        balance();
     std::_Rb_tree_node_base& header = tree._M_header;
     std::_Rb_tree_node_base* parent = &header;
     int order = -1;
     if (size() != 0) {
         parent = header._M_right;
-        order = compareNames(name, nameOf(parent));
+        order = compareNames(name.view(), nameOf(parent));
         for (auto* node = order < 0 ? header._M_parent : nullptr; node != nullptr && order != 0;) {
             parent = node;
-            order = compareNames(name, nameOf(node));
+            order = compareNames(name.view(), nameOf(node));
             node = order < 0 ? node->_M_left : node->_M_right;
         }
         if (order == 0)
@@ -60,12 +79,26 @@ Object::Member& ObjectStore::insert(std::string_view name, Arena* arena)
         void* memory = allocatePiece(arena, sizeof(SlotBlock) + capacity * sizeof(MemberNode));
         lastBlock = lastBlock->next = new (memory) SlotBlock{nullptr, capacity, 0};
     }
-    auto* const node = new (lastBlock->slots() + lastBlock->used) MemberNode;
-    auto* const member = new (node->_M_valptr()) Object::Member(name);
-    ++lastBlock->used;
-    ++tree._M_node_count;
-    std::_Rb_tree_insert_and_rebalance(order < 0, node, parent, header);
-    return *member;
+    bool const isSmall = size() < smallSize;
+    MemberNode& node = fill(name);
+    if (isSmall)
+        hang(node, *parent, order < 0);
+    else
+        std::_Rb_tree_insert_and_rebalance(order < 0, &node, parent, header);
+    return *node._M_valptr();
+}
+
+void ObjectStore::balance() noexcept
+{
+    std::_Rb_tree_node_base* nodes[smallSize];
+    std::_Rb_tree_node_base* next = tree._M_header._M_left;
+    for (auto*& node : nodes) {
+        node = next;
+        next = std::_Rb_tree_increment(next);
+    }
+    constexpr unsigned int fullLevels = 3;
+    static_assert((1U << fullLevels) - 1 <= smallSize && smallSize < (2U << fullLevels) - 1);
+    tree._M_header._M_parent = linkEvenly(nodes, smallSize, &tree._M_header, fullLevels);
 }
 
 void ObjectStore::trim(Arena& arena) noexcept

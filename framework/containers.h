@@ -16,11 +16,16 @@
 /// block without touching the tree: small objects are searched that way, and whole trees are destroyed that
 /// way, with the stores still to be destroyed in a list threaded through their heads instead of on the stack.
 ///
+/// As long as an object is small its tree is not balanced: each node hangs where it was inserted. Members
+/// that come in the order of their names, as in most texts, make it a row. When it outgrows that size it is
+/// balanced, and from then on it is the red-black tree of the standard library.
+///
 /// Of the chunk that begins in the store of an array only its end need exist, as if items had been taken off
 /// its front: once it is full the next item goes into a chunk of its own, and no item ever moves.
 #pragma once
 
 #include "framework/arena.h"
+#include "framework/characters.h"
 #include "framework/element.h"
 #include "framework/names.h"
 
@@ -32,7 +37,11 @@
 #error "the nodes and chunks here are those that the iterators of libstdc++ step through"
 #endif
 
-namespace Zelk::MetaData::Detail {
+namespace Zelk::MetaData {
+
+[[gnu::always_inline]] inline Object::Member::Member(Detail::Characters const& name) : name_(name.string()) {}
+
+namespace Detail {
 
 struct StoreHead {
     explicit StoreHead(bool isObject) noexcept : object(isObject) {}
@@ -51,8 +60,8 @@ struct SlotBlock {
 };
 
 struct ObjectStore : StoreHead {
-    /// Searching the slots one after the other is faster than descending the tree up to this many members.
-    static constexpr std::size_t linearSearchLimit = 12;
+    /// Up to this many members, searching the slots one after the other is faster than descending a tree.
+    static constexpr std::size_t smallSize = 12;
     static constexpr std::uint32_t firstBlockCapacity = 8;
     static constexpr std::uint32_t largestBlockCapacity = 128;
 
@@ -64,9 +73,9 @@ struct ObjectStore : StoreHead {
     Object::const_iterator end() const noexcept { return Object::const_iterator(&tree._M_header); }
 
     /// The member of that name, or null.
-    MemberNode* find(std::string_view name) noexcept
+    [[gnu::always_inline]] MemberNode* find(std::string_view name) noexcept
     {
-        if (size() > linearSearchLimit)
+        if (size() > smallSize)
             return findInTree(name);
         for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
             for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
@@ -77,7 +86,22 @@ struct ObjectStore : StoreHead {
 
     /// The member of that name, inserted as an empty node when there is none. Throws std::bad_alloc, and
     /// nothing has changed then. Costs one comparison when `name` comes after all others.
-    Object::Member& insert(std::string_view name, Arena* arena);
+    Object::Member& insert(Characters const& name, Arena* arena);
+
+    /// As insert, but only where that is simple: null when the name does not come after all others, or the
+    /// object is not small, or its block is full.
+    [[gnu::always_inline]] Object::Member* append(Characters const& name)
+    {
+        if (lastBlock->used == lastBlock->capacity || size() >= smallSize)
+            return nullptr;
+        std::_Rb_tree_node_base* const last = tree._M_header._M_right;
+        bool const first = last == &tree._M_header;
+        if (!first && compareNames(static_cast<MemberNode*>(last)->_M_valptr()->name(), name.view()) >= 0)
+            return nullptr;
+        MemberNode& node = fill(name);
+        hang(node, *last, first);
+        return node._M_valptr();
+    }
 
     /// Gives slots that are not needed back to the arena they came from, if that is still possible.
     void trim(Arena& arena) noexcept;
@@ -97,6 +121,40 @@ struct ObjectStore : StoreHead {
 
 private:
     explicit ObjectStore(std::uint32_t capacity) noexcept;
+
+    /// Makes a member in the next slot.
+    [[gnu::always_inline]] MemberNode& fill(Characters const& name)
+    {
+        auto* const node = new (lastBlock->slots() + lastBlock->used) MemberNode;
+        new (node->_M_valptr()) Object::Member(name);
+        ++lastBlock->used;
+        ++tree._M_node_count;
+        return *node;
+    }
+
+    /// Links the node of a small object as a leaf. The header counts as a parent with the root to its left.
+    [[gnu::always_inline]] void hang(MemberNode& node, std::_Rb_tree_node_base& parent, bool left) noexcept
+    {
+        std::_Rb_tree_node_base& header = tree._M_header;
+        node._M_color = std::_S_black;
+        node._M_parent = &parent;
+        node._M_left = nullptr;
+        node._M_right = nullptr;
+        if (&parent == &header) {
+            header._M_parent = header._M_left = header._M_right = &node;
+        } else if (left) {
+            parent._M_left = &node;
+            if (&parent == header._M_left)
+                header._M_left = &node;
+        } else {
+            parent._M_right = &node;
+            if (&parent == header._M_right)
+                header._M_right = &node;
+        }
+    }
+
+    /// Balances the tree of an object that has just as many members as a small one may have.
+    void balance() noexcept;
     MemberNode* findInTree(std::string_view name) noexcept;
 };
 
@@ -213,9 +271,9 @@ struct TreeAccess {
         node.real_ = value;
         node.kind_ = Element::real;
     }
-    static void setString(Element& node, char const* text, std::size_t size)
+    static void setString(Element& node, Characters const& text)
     {
-        new (&node.string_) std::string(text, size);
+        new (&node.string_) std::string(text.string());
         node.kind_ = Element::string;
     }
     static Object& setObject(Element& node) noexcept
@@ -276,4 +334,6 @@ inline StoreHead* TreeAccess::release(Element& node) noexcept
 /// Destroys a container with all below it. Neither allocates nor recurses.
 void destroy(StoreHead* store) noexcept;
 
-} // namespace Zelk::MetaData::Detail
+} // namespace Detail
+
+} // namespace Zelk::MetaData

@@ -96,10 +96,8 @@ private:
             return TreeAccess::setInteger(target, TreeAccess::integer(source));
         case Element::boolean:
             return TreeAccess::setBoolean(target, TreeAccess::integer(source) != 0);
-        case Element::string: {
-            std::string const& text = TreeAccess::string(source);
-            return TreeAccess::setString(target, text.data(), text.size());
-        }
+        case Element::string:
+            return TreeAccess::setString(target, TreeAccess::string(source));
         case Element::object:
             return begin(TreeAccess::object(source), TreeAccess::setObject(target));
         case Element::array:
@@ -227,11 +225,28 @@ using Detail::TreeAccess;
 
 namespace {
 
-/// The member of that name, inserted as an empty node when there is none.
-[[gnu::always_inline]] inline Element& memberOf(ObjectStore& store, std::string const& name)
+// Inserting is kept out of the functions that look up, which are the shorter for it.
+
+[[gnu::noinline]] Element& insertMember(Object& object, std::string const& name)
 {
-    Detail::MemberNode* const member = store.find(name);
-    return TreeAccess::element(member == nullptr ? store.insert(name, nullptr) : *member->_M_valptr());
+    ObjectStore*& store = TreeAccess::store(object);
+    if (store == nullptr)
+        store = ObjectStore::create(nullptr);
+    return TreeAccess::element(store->insert(name, nullptr));
+}
+
+[[gnu::noinline]] Element& insertMember(Element& node, std::string const& name)
+{
+    if (node.GetElementType() == Element::object)
+        return insertMember(TreeAccess::object(node), name);
+    if (node.GetElementType() != Element::empty)
+        throwTypeError(Element::object, node);
+    // The node becomes an object only when the member is there; moving the object leaves the member in place.
+    Object fresh;
+    ObjectStore* const store = TreeAccess::store(fresh) = ObjectStore::create(TreeAccess::offer(node));
+    Element& member = TreeAccess::element(store->insert(name, nullptr));
+    TreeAccess::setObject(node) = std::move(fresh);
+    return member;
 }
 
 } // namespace
@@ -283,9 +298,10 @@ Element const& Object::operator[](std::string const& name) const
 
 Element& Object::operator[](std::string const& name)
 {
-    if (store_ == nullptr)
-        store_ = ObjectStore::create(nullptr);
-    return memberOf(*store_, name);
+    if (store_ != nullptr)
+        if (Detail::MemberNode* const member = store_->find(name))
+            return TreeAccess::element(*member->_M_valptr());
+    return insertMember(*this, name);
 }
 
 unsigned int Object::size() const noexcept
@@ -423,18 +439,11 @@ std::string const& Element::asString() const
 
 Element& Element::operator[](std::string const& name)
 {
-    if (kind_ == object) {
-        ObjectStore* const store = TreeAccess::store(object_);
-        return store == nullptr ? object_[name] : memberOf(*store, name);
-    }
-    if (!isEmpty())
-        throwTypeError(object, *this);
-    // The node becomes an object only when the member is there; moving the object leaves the member in place.
-    Object fresh;
-    ObjectStore* const store = TreeAccess::store(fresh) = ObjectStore::create(TreeAccess::offer(*this));
-    Element& member = TreeAccess::element(store->insert(name, nullptr));
-    TreeAccess::setObject(*this) = std::move(fresh);
-    return member;
+    if (kind_ == object)
+        if (ObjectStore* const store = TreeAccess::store(object_))
+            if (Detail::MemberNode* const member = store->find(name))
+                return TreeAccess::element(*member->_M_valptr());
+    return insertMember(*this, name);
 }
 
 Element const& Element::operator[](std::string const& name) const
@@ -534,7 +543,7 @@ void SetAs<std::string>(std::string const& value, Element& element)
         break;
     case Element::empty:
         TreeAccess::withdrawOffer(element);
-        TreeAccess::setString(element, value.data(), value.size());
+        TreeAccess::setString(element, value);
         break;
     default:
         element = Element(Trivial_T<std::string>(value));

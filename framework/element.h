@@ -39,6 +39,7 @@ class Element;
 
 namespace Detail {
 class Arena;
+class Characters;
 struct ObjectStore;
 struct ArrayStore;
 struct TreeAccess;
@@ -207,6 +208,10 @@ public:
             kind_ = kind;
             return *this;
         }
+        if (ownsNothing()) {
+            take(other);
+            return *this;
+        }
         Element incoming(std::move(other));
         Element former(std::move(*this));
         take(incoming);
@@ -296,13 +301,14 @@ private:
 /// One entry of an object: a name and a value.
 class Object::Member {
 public:
-    explicit Member(std::string_view name) : name_(name) {}
-
     std::string const& name() const noexcept { return name_; }
     Element const& element() const noexcept { return element_; }
 
 private:
+    friend struct Detail::ObjectStore;
     friend struct Detail::TreeAccess;
+    explicit Member(Detail::Characters const& name);
+
     std::string name_;
     Element element_;
 };

@@ -3,21 +3,27 @@
 #include "framework/json_text.h"
 #include "framework/text_scan.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <ios>
 #include <istream>
+#include <iterator>
 #include <limits>
 #include <string>
 #include <system_error>
+#include <tuple>
+#include <utility>
 
 namespace Zelk::Json {
 
 using MetaData::Element;
+using MetaData::Object;
 using MetaData::Detail::Arena;
 using MetaData::Detail::ArrayStore;
+using MetaData::Detail::Characters;
 using MetaData::Detail::ObjectStore;
 using MetaData::Detail::StoreHead;
 using MetaData::Detail::TreeAccess;
@@ -73,32 +79,37 @@ constexpr std::uint64_t powersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 100000
 class Reader {
 public:
     explicit Reader(std::string_view text)
-        : begin_(text.data()), end_(text.data() + text.size()), arena_(text.size() * 8),
-          arenaInUse_(text.size() > arenaThreshold ? &arena_ : nullptr)
+        : text_(text), end_(text.data() + text.size()), lastInReach_(end_ - std::min(reach, text.size())),
+          arena_(text.size() * 8), arenaInUse_(text.size() > arenaThreshold ? &arena_ : nullptr)
     {}
 
     Element read()
     {
         Element root;
-        char const* const behind = skipSpace(readValue(skipSpace(begin_), root));
-        if (behind != end_)
-            fail(behind, "expected the end of the text");
+        char const* text = text_.size() < reach ? copyOfRest(text_.data()) : text_.data();
+        text = readValue(toNextPart(text), root);
+        while (depth_ != 0)
+            text = top()->object ? readMembers(text) : readItems(text);
+        text = skipSpace(text);
+        if (text != end_)
+            fail(text, "expected the end of the text");
         return root;
     }
 
 private:
     [[noreturn]] void fail(char const* at, char const* expectation) const
     {
+        // `at` may be in the copy of the rest.
+        std::size_t const offset = text_.size() - static_cast<std::size_t>(end_ - at);
         std::size_t line = 1;
-        char const* lineBegin = begin_;
-        for (char const* byte = begin_; byte != at; ++byte) {
-            if (*byte == '\n') {
+        std::size_t lineBegin = 0;
+        for (std::size_t i = 0; i != offset; ++i) {
+            if (text_[i] == '\n') {
                 ++line;
-                lineBegin = byte + 1;
+                lineBegin = i + 1;
             }
         }
-        throw ParseError(static_cast<std::size_t>(at - begin_), line,
-                         static_cast<std::size_t>(at - lineBegin) + 1, std::string(expectation) + found(at));
+        throw ParseError(offset, line, offset - lineBegin + 1, std::string(expectation) + found(at));
     }
 
     std::string found(char const* at) const
@@ -116,122 +127,184 @@ private:
 
     bool isAt(char const* text, char wanted) const { return text != end_ && *text == wanted; }
 
-    /// Reads a value and all within it.
-    char const* readValue(char const* text, Element& root)
+    // ---- reach
+
+    // The next few parts of a text are mostly short, so that most code would rather not ask for the end with
+    // every byte: a comma, a short name, a colon and a short string, looked at by the block, are within
+    // reach.
+    static constexpr std::size_t reach = 64;
+
+    /// The same place in the text, or in a copy of its rest with zeros behind it: in any case one from which
+    /// on `reach` bytes may be read. A zero is where no part of a text begins or goes on.
+    char const* secure(char const* text)
     {
-        Element* node = &root; // the place for the value that comes next
-        while (true) {
-            if (text == end_)
-                fail(text, "expected a value");
-            StoreHead* opened = nullptr;
-            if (*text == '{')
-                text = beginObject(text, *node, opened);
-            else if (*text == '[')
-                text = beginArray(text, *node, opened);
-            else
-                text = readScalar(text, *node);
-            // Unless there is something in it the value is complete: close the containers that end with it.
-            while (opened == nullptr) {
-                if (depth_ == 0)
-                    return text;
-                text = skipSpace(text);
-                StoreHead* const innermost = open_[depth_ - 1];
-                if (isAt(text, ',')) {
-                    text = skipSpace(text + 1);
-                    opened = innermost;
-                } else {
-                    text = closeContainer(text, innermost);
-                }
+        return __builtin_expect(text <= lastInReach_, 1) ? text : copyOfRest(text);
+    }
+
+    [[gnu::noinline]] char const* copyOfRest(char const* text)
+    {
+        char* const end = std::copy(text, end_, rest_);
+        std::fill(end, std::end(rest_), '\0');
+        end_ = end;
+        lastInReach_ = rest_ + reach;
+        return rest_;
+    }
+
+    /// Steps over white space, of which there is mostly none. Takes and gives a place that is secured.
+    char const* toNextPart(char const* text)
+    {
+        return static_cast<unsigned char>(*text) > ' ' ? text : secure(skipSpace(text));
+    }
+
+    /// Whether `wanted` comes next, white space aside; else `text`, which stays secured, is at what comes.
+    bool comes(char const*& text, char wanted)
+    {
+        if (*text == wanted)
+            return true;
+        text = toNextPart(text);
+        return *text == wanted;
+    }
+
+    StoreHead* top() const noexcept { return open_[depth_ - 1]; }
+
+    /// Reads on in the innermost container as far as the first value with something in it, or its end.
+    [[gnu::noinline]] char const* readMembers(char const* text)
+    {
+        auto& object = *static_cast<ObjectStore*>(top());
+        bool first = object.size() == 0;
+        for (std::size_t const level = depth_; depth_ == level; first = false) {
+            text = secure(text);
+            if (!first) {
+                if (!comes(text, ','))
+                    return closeObject(text, object);
+                ++text;
             }
-            if (opened->object)
-                text = readName(text, *static_cast<ObjectStore*>(opened), node);
+            if (!comes(text, '"'))
+                fail(text, "expected a member name in quotes");
+            Element* node = nullptr;
+            if (std::size_t const size = shortString(text); size != notShort) {
+                Object::Member* const member = object.append(Characters::shortIn(text + 1, size));
+                node = member != nullptr ? &TreeAccess::element(*member) : &placeOf(text + 1, size, object);
+                text += size + 2;
+            } else {
+                std::tie(text, node) = readName(text, object);
+                text = secure(text);
+            }
+            if (!comes(text, ':'))
+                fail(text, "expected ':'");
+            text = readValue(toNextPart(text + 1), *node);
+        }
+        return text;
+    }
+
+    /// As readMembers, but goes on in arrays within the array and around it, since those of numbers are
+    /// short.
+    [[gnu::noinline]] char const* readItems(char const* text)
+    {
+        auto* array = static_cast<ArrayStore*>(top());
+        bool first = array->size() == 0;
+        while (true) {
+            text = secure(text);
+            if (!first) {
+                if (!comes(text, ',')) {
+                    text = closeArray(text, *array);
+                    if (depth_ == 0 || top()->object)
+                        return text;
+                    array = static_cast<ArrayStore*>(top());
+                    continue;
+                }
+                ++text;
+            }
+            std::size_t const level = depth_;
+            Element& node = array->append(arenaInUse_);
+            text = toNextPart(text);
+            // Most arrays are of numbers, or of arrays of numbers.
+            if (isDigit(*text) || *text == '-')
+                text = readNumber(text, node);
+            else if (*text == '[')
+                text = beginArray(text, node);
             else
-                node = &static_cast<ArrayStore*>(opened)->append(arenaInUse_);
+                text = readValue(text, node);
+            first = depth_ != level;
+            if (first) {
+                if (top()->object)
+                    return text;
+                array = static_cast<ArrayStore*>(top());
+            }
         }
     }
 
-    /// Reads the beginning of an object; `opened` is what to fill, if there is something in it.
-    char const* beginObject(char const* text, Element& node, StoreHead*& opened)
+    /// Reads any name from its opening quote on; gives the place for the value too.
+    [[gnu::noinline]] std::pair<char const*, Element*> readName(char const* text, ObjectStore& object)
     {
-        text = enter(text);
-        auto& object = TreeAccess::setObject(node);
-        if (isAt(text, '}'))
-            return text + 1;
-        TreeAccess::store(object) = ObjectStore::create(arenaForNext());
-        opened = open_[depth_++] = TreeAccess::store(object);
-        return text;
+        std::string_view name;
+        text = readString(text, name);
+        return {text, &placeOf(name, object)};
     }
 
-    char const* beginArray(char const* text, Element& node, StoreHead*& opened)
+    /// The place for the value of a member with a short name that is not simply appended.
+    [[gnu::noinline]] Element& placeOf(char const* name, std::size_t size, ObjectStore& object)
     {
-        text = enter(text);
-        auto& array = TreeAccess::setArray(node);
-        if (isAt(text, ']'))
-            return text + 1;
-        Arena* const arena = arenaForNext();
-        TreeAccess::store(array) =
-            ArrayStore::create(arena, arena == nullptr ? itemsWithoutArena : ArrayStore::chunkItems);
-        opened = open_[depth_++] = TreeAccess::store(array);
-        return text;
+        return placeOf(Characters::shortIn(name, size), object);
     }
 
-    /// Steps over an opening bracket and the space behind it.
-    char const* enter(char const* bracket) const
+    Element& placeOf(Characters const& name, ObjectStore& object)
     {
-        if (depth_ == deepestNesting)
-            fail(bracket, "expected at most 1024 open brackets");
-        return skipSpace(bracket + 1);
+        Element& node = TreeAccess::element(object.insert(name, arenaInUse_));
+        // Of a repeated name the last value wins.
+        if (StoreHead* const former = TreeAccess::clear(node))
+            destroy(former);
+        return node;
     }
 
-    /// Where a container that is to be opened gets its memory from.
-    Arena* arenaForNext()
+    char const* closeObject(char const* text, ObjectStore& object)
     {
-        // What an array around it has not needed so far can serve it.
-        if (arenaInUse_ != nullptr && depth_ != 0 && !open_[depth_ - 1]->object)
-            static_cast<ArrayStore*>(open_[depth_ - 1])->trim(arena_);
-        return arenaInUse_;
-    }
-
-    char const* closeContainer(char const* text, StoreHead* innermost)
-    {
-        if (!isAt(text, innermost->object ? '}' : ']'))
-            fail(text, innermost->object ? "expected ',' or '}'" : "expected ',' or ']'");
+        if (!isAt(text, '}'))
+            fail(text, "expected ',' or '}'");
         --depth_;
-        if (arenaInUse_ != nullptr) {
-            if (innermost->object)
-                static_cast<ObjectStore*>(innermost)->trim(arena_);
-            else
-                static_cast<ArrayStore*>(innermost)->trim(arena_);
-        }
+        if (arenaInUse_ != nullptr)
+            object.trim(arena_);
         return text + 1;
     }
 
-    /// Reads the name of a member and the colon; `node` is the place for the value.
-    char const* readName(char const* text, ObjectStore& object, Element*& node)
+    char const* closeArray(char const* text, ArrayStore& array)
     {
-        if (!isAt(text, '"'))
-            fail(text, "expected a member name in quotes");
-        std::string_view name;
-        text = readString(text, name);
-        node = &TreeAccess::element(object.insert(name, arenaInUse_));
-        // Of a repeated name the last value wins.
-        if (StoreHead* const former = TreeAccess::clear(*node))
-            destroy(former);
-        if (!isAt(text, ':')) {
-            text = skipSpace(text);
-            if (!isAt(text, ':'))
-                fail(text, "expected ':'");
-        }
-        return skipSpace(text + 1);
+        if (!isAt(text, ']'))
+            fail(text, "expected ',' or ']'");
+        --depth_;
+        if (arenaInUse_ != nullptr)
+            array.trim(arena_);
+        return text + 1;
     }
 
-    char const* readScalar(char const* text, Element& node)
+    /// Reads a value; a container only as far as it is clear whether there is something in it. What is most
+    /// frequent and needs no call stands here, the rest in readAnyValue.
+    char const* readValue(char const* text, Element& node)
     {
+        if (*text == '"') {
+            if (std::size_t const size = shortString(text); size != notShort) {
+                TreeAccess::setString(node, Characters::shortIn(text + 1, size));
+                return text + size + 2;
+            }
+        } else if (char const* const behind = readDigit(text, node)) {
+            return behind;
+        }
+        return readAnyValue(text, node);
+    }
+
+    [[gnu::noinline]] char const* readAnyValue(char const* text, Element& node)
+    {
+        if (text == end_)
+            fail(text, "expected a value");
         switch (*text) {
+        case '{':
+            return beginObject(text, node);
+        case '[':
+            return beginArray(text, node);
         case '"': {
             std::string_view content;
             text = readString(text, content);
-            TreeAccess::setString(node, content.data(), content.size());
+            TreeAccess::setString(node, content);
             return text;
         }
         case 't':
@@ -249,6 +322,47 @@ private:
         }
     }
 
+    char const* beginObject(char const* text, Element& node)
+    {
+        enter(text);
+        auto& object = TreeAccess::setObject(node);
+        if (comes(text, '}'))
+            return text + 1;
+        TreeAccess::store(object) = ObjectStore::create(arenaForNext());
+        open_[depth_++] = TreeAccess::store(object);
+        return text;
+    }
+
+    [[gnu::noinline]] char const* beginArray(char const* text, Element& node)
+    {
+        enter(text);
+        auto& array = TreeAccess::setArray(node);
+        if (comes(text, ']'))
+            return text + 1;
+        Arena* const arena = arenaForNext();
+        TreeAccess::store(array) =
+            ArrayStore::create(arena, arena == nullptr ? itemsWithoutArena : ArrayStore::chunkItems);
+        open_[depth_++] = TreeAccess::store(array);
+        return text;
+    }
+
+    /// Steps over an opening bracket.
+    void enter(char const*& text) const
+    {
+        if (depth_ == deepestNesting)
+            fail(text, "expected at most 1024 open brackets");
+        ++text;
+    }
+
+    /// Where a container that is to be opened gets its memory from.
+    Arena* arenaForNext()
+    {
+        // What an array around it has not needed so far can serve it.
+        if (arenaInUse_ != nullptr && depth_ != 0 && !top()->object)
+            static_cast<ArrayStore*>(top())->trim(arena_);
+        return arenaInUse_;
+    }
+
     char const* readWord(char const* text, char const* word) const
     {
         for (char const* letter = word; *letter != '\0'; ++letter, ++text)
@@ -259,22 +373,37 @@ private:
 
     // ---- strings
 
-    /// Reads a string from its opening quote on. The content is good until the next string is read.
-    [[gnu::always_inline]] char const* readString(char const* text, std::string_view& content)
+    static constexpr std::size_t notShort = Detail::Block::size;
+
+    /// The size of the string with its opening quote at `text`, which is secured, when it is short and stands
+    /// there as it is.
+    static std::size_t shortString(char const* text)
+    {
+        Detail::Block const block(text + 1);
+        if (!block.hasSpecial())
+            return notShort;
+        std::size_t const size = block.firstSpecial();
+        return text[1 + size] == '"' ? size : notShort;
+    }
+
+    /// Reads any string from its opening quote on. The content is good until the next string is read.
+    char const* readString(char const* text, std::string_view& content)
     {
         char const* const start = text + 1;
         char const* stop = Detail::findSpecial(start, end_);
         if (!isAt(stop, '"'))
             stop = skipPlain(stop);
-        if (*stop != '"')
-            return readEscapedString(start, stop, content);
+        if (*stop != '"') {
+            text = readEscapedString(start, stop);
+            content = decoded_;
+            return text;
+        }
         content = {start, static_cast<std::size_t>(stop - start)};
         return stop + 1;
     }
 
-    /// Reads a string that begins at `start` and has its first escape at `text`.
-    [[gnu::noinline]] char const* readEscapedString(char const* start, char const* text,
-                                                    std::string_view& content)
+    /// Decodes a string that begins at `start` and has its first escape at `text`.
+    [[gnu::noinline]] char const* readEscapedString(char const* start, char const* text)
     {
         decoded_.assign(start, text);
         while (*text != '"') {
@@ -283,7 +412,6 @@ private:
             decoded_.append(text, next);
             text = next;
         }
-        content = decoded_;
         return text + 1;
     }
 
@@ -434,8 +562,22 @@ private:
         }
     };
 
+    /// Reads a number of a single digit, as a great many are; null when there is anything else.
+    [[gnu::always_inline]] char const* readDigit(char const* text, Element& node) const
+    {
+        bool const negative = *text == '-';
+        char const* const digit = text + (negative ? 1 : 0);
+        if (!isDigit(*digit) || !endsValue(digit[1]))
+            return nullptr;
+        int const value = *digit - '0';
+        TreeAccess::setInteger(node, negative ? -value : value);
+        return digit + 1;
+    }
+
+    static bool endsValue(char c) { return c == ',' || c == '}' || c == ']'; }
+
     /// Reads a number of at most 19 digits without exponent, and leaves every other one to readAnyNumber.
-    char const* readNumber(char const* const start, Element& node) const
+    [[gnu::always_inline]] char const* readNumber(char const* const start, Element& node) const
     {
         bool const negative = *start == '-';
         char const* const whole = start + (negative ? 1 : 0);
@@ -464,7 +606,7 @@ private:
     {
         unsigned int count = 0;
         do {
-            if (end_ - text < 8)
+            if (text > lastInReach_ + (reach - 8))
                 return false;
             std::uint64_t group = 0;
             count = leadingDigits(text, group);
@@ -572,8 +714,10 @@ private:
         return std::from_chars(start, stop, value).ec == std::errc();
     }
 
-    char const* const begin_;
-    char const* const end_;
+    std::string_view const text_;
+    char const* end_;
+    char const* lastInReach_; // from where on `reach` bytes may be read
+    char rest_[2 * reach];
     std::string decoded_;
     Arena arena_;
     Arena* const arenaInUse_;

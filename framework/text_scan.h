@@ -67,15 +67,21 @@ struct Block {
     /// One bit a byte, lowest first, set where the byte is special.
     unsigned int specials() const noexcept
     {
-        // A signed comparison finds control characters and bytes from 0x80 on in one.
-        __m128i const outside = _mm_cmplt_epi8(bits, _mm_set1_epi8(0x20));
+        // Only the highest bit of each byte counts, which control characters get by the subtraction.
+        __m128i const outside = _mm_or_si128(bits, _mm_sub_epi8(bits, _mm_set1_epi8(0x20)));
         __m128i const quote = _mm_cmpeq_epi8(bits, _mm_set1_epi8('"'));
         __m128i const backslash = _mm_cmpeq_epi8(bits, _mm_set1_epi8('\\'));
         return static_cast<unsigned int>(
             _mm_movemask_epi8(_mm_or_si128(outside, _mm_or_si128(quote, backslash))));
     }
     bool hasSpecial() const noexcept { return specials() != 0; }
-    std::size_t firstSpecial() const noexcept { return static_cast<std::size_t>(__builtin_ctz(specials())); }
+    std::size_t firstSpecial() const noexcept
+    {
+        auto const first = static_cast<std::size_t>(__builtin_ctz(specials()));
+        if (first >= size)
+            __builtin_unreachable();
+        return first;
+    }
 
     /// Number of bytes of white space that the block begins with.
     std::size_t leadingSpace() const noexcept

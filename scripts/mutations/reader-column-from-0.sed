@@ -1,3 +1,3 @@
 # file: framework/json_reader.cpp
 # tests: json_text_test
-s/(at - lineBegin) + 1/(at - lineBegin)/
+s/offset - lineBegin + 1/offset - lineBegin/

@@ -115,6 +115,40 @@ TEST_P(ObjectOrder, DoesNotMatterForWhatTheObjectHolds)
     }
 }
 
+TEST(Object, TakesAMemberBeforeBetweenAndBehindOthersThatCameInOrder)
+{
+    for (unsigned int count = 0; count <= 30; ++count)
+        for (unsigned int gap = 0; gap <= count; ++gap) {
+            SCOPED_TRACE(std::to_string(gap) + " of " + std::to_string(count));
+            Object members;
+            for (unsigned int i = 0; i < count; ++i)
+                members[nameOf(2 * i + 1)] = integer(2 * i + 1);
+            std::vector<Object::const_iterator> places;
+            for (auto place = members.begin(); place != members.end(); ++place)
+                places.push_back(place);
+            members[nameOf(2 * gap)] = integer(2 * gap);
+            members[nameOf(2 * gap)] = integer(2 * gap); // found again, not inserted again
+
+            std::vector<std::string> expected;
+            for (unsigned int i = 0; i <= count; ++i) {
+                if (i == gap)
+                    expected.push_back(nameOf(2 * gap));
+                if (i < count)
+                    expected.push_back(nameOf(2 * i + 1));
+            }
+            std::vector<std::string> forwards;
+            for (Object::Member const& member : members)
+                forwards.push_back(member.name());
+            ASSERT_EQ(forwards, expected);
+            std::vector<std::string> backwards;
+            for (auto place = members.end(); place != members.begin();)
+                backwards.insert(backwards.begin(), (--place)->name());
+            ASSERT_EQ(backwards, expected);
+            for (unsigned int i = 0; i < count; ++i)
+                ASSERT_EQ(places[i]->name(), nameOf(2 * i + 1)) << "an iterator did not stay valid";
+        }
+}
+
 TEST_P(ObjectOrder, DoesNotMatterForWhatIsAbsent)
 {
     for (unsigned int const count : memberCounts) {

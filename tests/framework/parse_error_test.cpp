@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 
 namespace Zelk::Json {
@@ -29,6 +31,38 @@ TEST_P(ParseErrorTest, SaysWhereTheTextIsWrongWhatWasExpectedAndWhatStandsThere)
     } catch (ParseError const& error) {
         EXPECT_STREQ(error.what(), GetParam().message);
     }
+}
+
+ParseError errorOf(std::string const& text)
+{
+    try {
+        static_cast<void>(readText(text));
+    } catch (ParseError const& error) {
+        return error;
+    }
+    throw std::logic_error("the text was read: " + text);
+}
+
+TEST_P(ParseErrorTest, SaysTheSameWhereverTheMistakeStandsInALongerText)
+{
+    std::string const& text = GetParam().text;
+    ParseError const alone = errorOf(text);
+    auto const withoutPlace = [](ParseError const& error) {
+        std::string const what = error.what();
+        return what.substr(what.find(": "));
+    };
+    for (std::size_t before = 0; before <= 140; ++before)
+        for (std::size_t const behind : {0u, 1u, 15u, 16u, 17u, 62u, 63u, 64u, 65u, 200u}) {
+            // Behind a text that ends too early nothing can be put.
+            if (behind != 0 && alone.offset() == text.size())
+                continue;
+            ParseError const error = errorOf(std::string(before, ' ') + text + std::string(behind, ' '));
+            ASSERT_EQ(error.offset(), before + alone.offset()) << before << ' ' << behind;
+            ASSERT_EQ(error.line(), alone.line()) << before << ' ' << behind;
+            ASSERT_EQ(error.column(), alone.column() + (alone.line() == 1 ? before : 0))
+                << before << ' ' << behind;
+            ASSERT_EQ(withoutPlace(error), withoutPlace(alone)) << before << ' ' << behind;
+        }
 }
 
 INSTANTIATE_TEST_SUITE_P(
