@@ -73,10 +73,16 @@ struct ObjectStore : StoreHead {
     Object::const_iterator end() const noexcept { return Object::const_iterator(&tree._M_header); }
 
     /// The member of that name, or null.
-    [[gnu::always_inline]] MemberNode* find(std::string_view name) noexcept
+    MemberNode* find(std::string_view name) noexcept
     {
-        if (size() > smallSize)
-            return findInTree(name);
+        return isSmall() ? findInSlots(name) : findInTree(name);
+    }
+
+    bool isSmall() const noexcept { return size() <= smallSize; }
+
+    /// As find, in a small object.
+    [[gnu::always_inline]] MemberNode* findInSlots(std::string_view name) noexcept
+    {
         for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
             for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
                 if (areEqualNames(slot->_M_valptr()->name(), name))

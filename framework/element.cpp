@@ -225,20 +225,11 @@ using Detail::TreeAccess;
 
 namespace {
 
-// Inserting is kept out of the functions that look up, which are the shorter for it.
-
-[[gnu::noinline]] Element& insertMember(Object& object, std::string const& name)
-{
-    ObjectStore*& store = TreeAccess::store(object);
-    if (store == nullptr)
-        store = ObjectStore::create(nullptr);
-    return TreeAccess::element(store->insert(name, nullptr));
-}
-
-[[gnu::noinline]] Element& insertMember(Element& node, std::string const& name)
+/// The member of that name of any node. Out of line, so that finding one in a small object needs no call.
+[[gnu::noinline]] Element& memberOf(Element& node, std::string const& name)
 {
     if (node.GetElementType() == Element::object)
-        return insertMember(TreeAccess::object(node), name);
+        return TreeAccess::object(node)[name];
     if (node.GetElementType() != Element::empty)
         throwTypeError(Element::object, node);
     // The node becomes an object only when the member is there; moving the object leaves the member in place.
@@ -298,10 +289,10 @@ Element const& Object::operator[](std::string const& name) const
 
 Element& Object::operator[](std::string const& name)
 {
-    if (store_ != nullptr)
-        if (Detail::MemberNode* const member = store_->find(name))
-            return TreeAccess::element(*member->_M_valptr());
-    return insertMember(*this, name);
+    if (store_ == nullptr)
+        store_ = ObjectStore::create(nullptr);
+    Detail::MemberNode* const member = store_->find(name);
+    return TreeAccess::element(member == nullptr ? store_->insert(name, nullptr) : *member->_M_valptr());
 }
 
 unsigned int Object::size() const noexcept
@@ -439,11 +430,13 @@ std::string const& Element::asString() const
 
 Element& Element::operator[](std::string const& name)
 {
-    if (kind_ == object)
-        if (ObjectStore* const store = TreeAccess::store(object_))
-            if (Detail::MemberNode* const member = store->find(name))
+    if (kind_ == object) {
+        ObjectStore* const store = TreeAccess::store(object_);
+        if (store != nullptr && store->isSmall())
+            if (Detail::MemberNode* const member = store->findInSlots(name))
                 return TreeAccess::element(*member->_M_valptr());
-    return insertMember(*this, name);
+    }
+    return memberOf(*this, name);
 }
 
 Element const& Element::operator[](std::string const& name) const
