@@ -143,9 +143,8 @@ private:
 
     [[gnu::noinline]] char const* copyOfRest(char const* text)
     {
-        char* const end = std::copy(text, end_, rest_);
-        std::fill(end, std::end(rest_), '\0');
-        end_ = end;
+        std::fill(std::begin(rest_), std::end(rest_), '\0');
+        end_ = std::copy(text, end_, rest_);
         lastInReach_ = rest_ + reach;
         return rest_;
     }
@@ -218,11 +217,13 @@ private:
             std::size_t const level = depth_;
             Element& node = array->append(arenaInUse_);
             text = toNextPart(text);
-            // Most arrays are of numbers, or of arrays of numbers.
+            // Most arrays are of numbers or of containers.
             if (isDigit(*text) || *text == '-')
                 text = readNumber(text, node);
             else if (*text == '[')
                 text = beginArray(text, node);
+            else if (*text == '{')
+                text = beginObject(text, node);
             else
                 text = readValue(text, node);
             first = depth_ != level;
