@@ -225,11 +225,15 @@ using Detail::TreeAccess;
 
 namespace {
 
-/// The member of that name of any node. Out of line, so that finding one in a small object needs no call.
+/// The member of that name of any node but a small object that has it: that one is found without a call.
 [[gnu::noinline]] Element& memberOf(Element& node, std::string const& name)
 {
-    if (node.GetElementType() == Element::object)
-        return TreeAccess::object(node)[name];
+    if (node.GetElementType() == Element::object) {
+        ObjectStore*& store = TreeAccess::store(TreeAccess::object(node));
+        if (store == nullptr)
+            store = ObjectStore::create(nullptr);
+        return TreeAccess::element(store->insert(name, nullptr));
+    }
     if (node.GetElementType() != Element::empty)
         throwTypeError(Element::object, node);
     // The node becomes an object only when the member is there; moving the object leaves the member in place.
