@@ -61,7 +61,7 @@ private:
 
 /// Named nodes, in ascending order of their names (byte by byte). A name occurs once.
 ///
-/// A red-black tree of the standard library's nodes, stepped through by the iterators of a std::set: they
+/// A search tree of the standard library's nodes, stepped through by the iterators of a std::set: they
 /// stay valid until the object is cleared, assigned or destroyed (of an empty object, until the first member
 /// comes); references to members likewise.
 class ZELK_EXPORT Object {

@@ -129,12 +129,12 @@ private:
 
     // ---- reach
 
-    // The next few parts of a text are mostly short, so that most code would rather not ask for the end with
-    // every byte: a comma, a short name, a colon and a short string, looked at by the block, are within
-    // reach.
+    // The next parts of a text are mostly short, so that most code would rather not ask for the end with
+    // every byte. A comma, a short name, a colon and a short string, of which a block is looked at, take up
+    // to 36 bytes: a place is secured when these may be read from it on.
     static constexpr std::size_t reach = 64;
 
-    /// The same place in the text, or in a copy of its rest with zeros behind it: in any case one from which
+    /// The same place, in the text or in a copy of its rest with zeros behind it: in any case one from which
     /// on `reach` bytes may be read. A zero is where no part of a text begins or goes on.
     char const* secure(char const* text)
     {
@@ -149,7 +149,7 @@ private:
         return rest_;
     }
 
-    /// Steps over white space, of which there is mostly none. Takes and gives a place that is secured.
+    /// Steps over white space, of which there is mostly none, from one secured place to another.
     char const* toNextPart(char const* text)
     {
         return static_cast<unsigned char>(*text) > ' ' ? text : secure(skipSpace(text));
