@@ -324,16 +324,16 @@ struct TreeAccess {
 
 inline StoreHead* TreeAccess::release(Element& node) noexcept
 {
+    if (node.ownsNothing())
+        return nullptr;
     switch (node.kind_) {
     case Element::string:
         node.string_.~basic_string();
         return nullptr;
     case Element::object:
         return node.object_.store_;
-    case Element::array:
-        return node.array_.store_;
     default:
-        return nullptr;
+        return node.array_.store_;
     }
 }
 

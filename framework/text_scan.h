@@ -75,13 +75,7 @@ struct Block {
             _mm_movemask_epi8(_mm_or_si128(outside, _mm_or_si128(quote, backslash))));
     }
     bool hasSpecial() const noexcept { return specials() != 0; }
-    std::size_t firstSpecial() const noexcept
-    {
-        auto const first = static_cast<std::size_t>(__builtin_ctz(specials()));
-        if (first >= size)
-            __builtin_unreachable();
-        return first;
-    }
+    std::size_t firstSpecial() const noexcept { return static_cast<std::size_t>(__builtin_ctz(specials())); }
 
     /// Number of bytes of white space that the block begins with.
     std::size_t leadingSpace() const noexcept

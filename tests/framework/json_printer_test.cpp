@@ -460,6 +460,15 @@ TEST(PrintText, WritesTheTextToAStream)
     EXPECT_EQ(stream.str(), "before {\"a\":1} after");
 }
 
+TEST(PrintText, WritesTextsOfEveryLengthToAStream)
+{
+    for (std::size_t const size : {0u, 1u, 1000u, 8190u, 8191u, 8192u, 8193u, 20000u, 300000u}) {
+        std::ostringstream stream;
+        printText(array({text(std::string(size, 'a')), text("b")}), stream);
+        ASSERT_EQ(stream.str(), "[\"" + std::string(size, 'a') + "\",\"b\"]") << size;
+    }
+}
+
 TEST(PrintText, IgnoresTheFormatOfTheStream)
 {
     std::ostringstream stream;
