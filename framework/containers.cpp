@@ -79,9 +79,9 @@ Object::Member& ObjectStore::insert(Characters const& name, Arena* arena)
         void* memory = allocatePiece(arena, sizeof(SlotBlock) + capacity * sizeof(MemberNode));
         lastBlock = lastBlock->next = new (memory) SlotBlock{nullptr, capacity, 0};
     }
-    bool const isSmall = size() < smallSize;
+    bool const staysSmall = size() < smallSize;
     MemberNode& node = fill(name);
-    if (isSmall)
+    if (staysSmall)
         hang(node, *parent, order < 0);
     else
         std::_Rb_tree_insert_and_rebalance(order < 0, &node, parent, header);

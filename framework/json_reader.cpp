@@ -175,7 +175,7 @@ private:
             text = secure(text);
             if (!first) {
                 if (!comes(text, ','))
-                    return closeObject(text, object);
+                    return close(text, object, '}', "expected ',' or '}'");
                 ++text;
             }
             if (!comes(text, '"'))
@@ -206,7 +206,7 @@ private:
             text = secure(text);
             if (!first) {
                 if (!comes(text, ',')) {
-                    text = closeArray(text, *array);
+                    text = close(text, *array, ']', "expected ',' or ']'");
                     if (depth_ == 0 || top()->object)
                         return text;
                     array = static_cast<ArrayStore*>(top());
@@ -258,23 +258,14 @@ private:
         return node;
     }
 
-    char const* closeObject(char const* text, ObjectStore& object)
+    template <typename Store>
+    char const* close(char const* text, Store& store, char bracket, char const* expectation)
     {
-        if (!isAt(text, '}'))
-            fail(text, "expected ',' or '}'");
+        if (!isAt(text, bracket))
+            fail(text, expectation);
         --depth_;
         if (arenaInUse_ != nullptr)
-            object.trim(arena_);
-        return text + 1;
-    }
-
-    char const* closeArray(char const* text, ArrayStore& array)
-    {
-        if (!isAt(text, ']'))
-            fail(text, "expected ',' or ']'");
-        --depth_;
-        if (arenaInUse_ != nullptr)
-            array.trim(arena_);
+            store.trim(arena_);
         return text + 1;
     }
 

@@ -61,7 +61,8 @@ ZELK_EXPORT MetaData::Element readText(std::string_view text);
 /// std::ios_base::failure when the stream is not good() at the start or fails while it is read.
 ZELK_EXPORT MetaData::Element readText(std::istream& stream);
 
-/// The JSON text of a tree. Throws PrintError, or std::bad_alloc. Linear.
+/// The JSON text of a tree; a long one may have up to twice its size to spare in its capacity. Throws
+/// PrintError, or std::bad_alloc. Linear.
 ZELK_EXPORT std::string printText(MetaData::Element const& tree);
 
 /// Writes the JSON text of a tree. Throws PrintError or std::bad_alloc, and then the stream has got nothing;
