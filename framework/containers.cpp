@@ -32,11 +32,11 @@ std::_Rb_tree_node_base* linkEvenly(std::_Rb_tree_node_base* const* nodes, std::
 
 // ---- members
 
-ObjectStore::ObjectStore(std::uint32_t capacity) noexcept
-    : StoreHead(true), lastBlock(new (firstBlock()) SlotBlock{nullptr, capacity, 0})
+ObjectStore::ObjectStore(std::size_t capacity) noexcept
+    : StoreHead(true), lastBlock(new (firstBlock()) SlotBlock(capacity))
 {}
 
-ObjectStore* ObjectStore::create(Arena* arena, std::uint32_t capacity)
+ObjectStore* ObjectStore::create(Arena* arena, std::size_t capacity)
 {
     capacity = std::min(capacity, largestBlockCapacity);
     std::size_t const size = sizeof(ObjectStore) + sizeof(SlotBlock) + capacity * sizeof(MemberNode);
@@ -60,10 +60,9 @@ Object::Member& ObjectStore::insert(Characters const& name, Arena* arena)
     if (size() == smallSize)
         balance();
     std::_Rb_tree_node_base& header = tree._M_header;
-    std::_Rb_tree_node_base* parent = &header;
-    int order = -1;
+    std::_Rb_tree_node_base* parent = header._M_right; // the header itself, of an empty object
+    int order = 1;
     if (size() != 0) {
-        parent = header._M_right;
         order = compareNames(name.view(), nameOf(parent));
         for (auto* node = order < 0 ? header._M_parent : nullptr; node != nullptr && order != 0;) {
             parent = node;
@@ -73,19 +72,33 @@ Object::Member& ObjectStore::insert(Characters const& name, Arena* arena)
         if (order == 0)
             return *static_cast<MemberNode*>(parent)->_M_valptr();
     }
-    if (lastBlock->used == lastBlock->capacity) {
-        std::uint32_t const capacity =
-            std::clamp(lastBlock->capacity * 2, firstBlockCapacity, largestBlockCapacity);
+    if (lastBlock->isFull()) {
+        std::size_t const capacity =
+            std::clamp(lastBlock->capacity() * 2, firstBlockCapacity, largestBlockCapacity);
         void* memory = allocatePiece(arena, sizeof(SlotBlock) + capacity * sizeof(MemberNode));
-        lastBlock = lastBlock->next = new (memory) SlotBlock{nullptr, capacity, 0};
+        lastBlock = lastBlock->next = new (memory) SlotBlock(capacity);
     }
     bool const staysSmall = size() < smallSize;
-    MemberNode& node = fill(name);
-    if (staysSmall)
-        hang(node, *parent, order < 0);
-    else
+    MemberNode& node = fill(name, *parent);
+    if (!staysSmall)
         std::_Rb_tree_insert_and_rebalance(order < 0, &node, parent, header);
+    else if (parent == header._M_right && order > 0)
+        hangLast(node);
+    else
+        hang(node, order < 0);
     return *node._M_valptr();
+}
+
+void ObjectStore::hang(MemberNode& node, bool left) noexcept
+{
+    std::_Rb_tree_node_base& parent = *node._M_parent;
+    if (!left) {
+        parent._M_right = &node;
+        return;
+    }
+    parent._M_left = &node;
+    if (&parent == tree._M_header._M_left)
+        tree._M_header._M_left = &node;
 }
 
 void ObjectStore::balance() noexcept
@@ -103,9 +116,8 @@ void ObjectStore::balance() noexcept
 
 void ObjectStore::trim(Arena& arena) noexcept
 {
-    MemberNode* const slots = lastBlock->slots();
-    if (arena.trim(slots + lastBlock->capacity, slots + lastBlock->used))
-        lastBlock->capacity = lastBlock->used;
+    if (arena.trim(lastBlock->end, lastBlock->free))
+        lastBlock->end = lastBlock->free;
 }
 
 // ---- items

@@ -3,7 +3,7 @@
 /// Each container is one piece of memory (framework/arena.h); what does not fit in comes in further pieces:
 ///
 ///     ObjectStore | head | root, first and last of the tree, size | last block | block
-///     block       | next block, capacity, used | slot | slot | ...
+///     block       | next block, next free slot, end of the slots | slot | slot | ...
 ///     slot        | node of a std::set: color, parent, left, right | name | value
 ///
 ///     ArrayStore  | head | places of the chunks | place of the next item | arena offered | item | item | ...
@@ -53,20 +53,25 @@ struct StoreHead {
 using MemberNode = std::_Rb_tree_node<Object::Member>;
 
 struct SlotBlock {
-    SlotBlock* next;
-    std::uint32_t capacity;
-    std::uint32_t used;
+    explicit SlotBlock(std::size_t capacity) noexcept : free(slots()), end(free + capacity) {}
+
+    bool isFull() const noexcept { return free == end; }
+    std::size_t capacity() noexcept { return static_cast<std::size_t>(end - slots()); }
     MemberNode* slots() noexcept { return reinterpret_cast<MemberNode*>(this + 1); }
+
+    SlotBlock* next = nullptr;
+    MemberNode* free; // behind the slots in use
+    MemberNode* end;
 };
 
 struct ObjectStore : StoreHead {
     /// Up to this many members, searching the slots one after the other is faster than descending a tree.
     static constexpr std::size_t smallSize = 12;
-    static constexpr std::uint32_t firstBlockCapacity = 8;
-    static constexpr std::uint32_t largestBlockCapacity = 128;
+    static constexpr std::size_t firstBlockCapacity = 8;
+    static constexpr std::size_t largestBlockCapacity = 128;
 
     /// An empty store with room for `capacity` members.
-    static ObjectStore* create(Arena* arena, std::uint32_t capacity = firstBlockCapacity);
+    static ObjectStore* create(Arena* arena, std::size_t capacity = firstBlockCapacity);
 
     std::size_t size() const noexcept { return tree._M_node_count; }
     Object::const_iterator begin() const noexcept { return Object::const_iterator(tree._M_header._M_left); }
@@ -84,7 +89,7 @@ struct ObjectStore : StoreHead {
     [[gnu::always_inline]] MemberNode* findInSlots(std::string_view name) noexcept
     {
         for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
-            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
+            for (MemberNode *slot = block->slots(), *end = block->free; slot != end; ++slot)
                 if (areEqualNames(slot->_M_valptr()->name(), name))
                     return slot;
         return nullptr;
@@ -98,14 +103,14 @@ struct ObjectStore : StoreHead {
     /// object is not small, or its block is full.
     [[gnu::always_inline]] Object::Member* append(Characters const& name)
     {
-        if (lastBlock->used == lastBlock->capacity || size() >= smallSize)
+        if (lastBlock->isFull() || size() >= smallSize)
             return nullptr;
         std::_Rb_tree_node_base* const last = tree._M_header._M_right;
-        bool const first = last == &tree._M_header;
-        if (!first && compareNames(static_cast<MemberNode*>(last)->_M_valptr()->name(), name.view()) >= 0)
+        if (last != &tree._M_header &&
+            compareNames(static_cast<MemberNode*>(last)->_M_valptr()->name(), name.view()) >= 0)
             return nullptr;
-        MemberNode& node = fill(name);
-        hang(node, *last, first);
+        MemberNode& node = fill(name, *last);
+        hangLast(node);
         return node._M_valptr();
     }
 
@@ -116,7 +121,7 @@ struct ObjectStore : StoreHead {
     void forEachSlot(Visit visit)
     {
         for (SlotBlock* block = firstBlock(); block != nullptr; block = block->next)
-            for (MemberNode *slot = block->slots(), *end = slot + block->used; slot != end; ++slot)
+            for (MemberNode *slot = block->slots(), *end = block->free; slot != end; ++slot)
                 visit(*slot);
     }
 
@@ -126,38 +131,36 @@ struct ObjectStore : StoreHead {
     SlotBlock* lastBlock;
 
 private:
-    explicit ObjectStore(std::uint32_t capacity) noexcept;
+    explicit ObjectStore(std::size_t capacity) noexcept;
 
-    /// Makes a member in the next slot.
-    [[gnu::always_inline]] MemberNode& fill(Characters const& name)
+    /// Makes a member in the next slot; its node has a parent, but not the parent it.
+    [[gnu::always_inline]] MemberNode& fill(Characters const& name, std::_Rb_tree_node_base& parent)
     {
-        auto* const node = new (lastBlock->slots() + lastBlock->used) MemberNode;
+        SlotBlock& block = *lastBlock;
+        auto* const node = new (block.free) MemberNode;
         new (node->_M_valptr()) Object::Member(name);
-        ++lastBlock->used;
+        block.free = node + 1;
         ++tree._M_node_count;
+        node->_M_color = std::_S_black;
+        node->_M_parent = &parent;
+        node->_M_left = nullptr;
+        node->_M_right = nullptr;
         return *node;
     }
 
-    /// Links the node of a small object as a leaf. The header counts as a parent with the root to its left.
-    [[gnu::always_inline]] void hang(MemberNode& node, std::_Rb_tree_node_base& parent, bool left) noexcept
+    /// Links the node of a small object behind all others; its parent is that of the last one, or the header.
+    [[gnu::always_inline]] void hangLast(MemberNode& node) noexcept
     {
         std::_Rb_tree_node_base& header = tree._M_header;
-        node._M_color = std::_S_black;
-        node._M_parent = &parent;
-        node._M_left = nullptr;
-        node._M_right = nullptr;
-        if (&parent == &header) {
-            header._M_parent = header._M_left = header._M_right = &node;
-        } else if (left) {
-            parent._M_left = &node;
-            if (&parent == header._M_left)
-                header._M_left = &node;
-        } else {
-            parent._M_right = &node;
-            if (&parent == header._M_right)
-                header._M_right = &node;
-        }
+        if (node._M_parent == &header)
+            header._M_parent = header._M_left = &node;
+        else
+            node._M_parent->_M_right = &node;
+        header._M_right = &node;
     }
+
+    /// Links the node of a small object below its parent, which is not the header.
+    void hang(MemberNode& node, bool left) noexcept;
 
     /// Balances the tree of an object that has just as many members as a small one may have.
     void balance() noexcept;

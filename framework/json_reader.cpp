@@ -65,7 +65,7 @@ unsigned int leadingDigits(char const* text, std::uint64_t& value)
     unsigned int const count = others == 0 ? 8 : static_cast<unsigned int>(__builtin_ctzll(others)) / 8;
     // Leading zeros make eight of them; then neighbours are joined to 2-digit, 4-digit, 8-digit numbers.
     word <<= 64 - 8 * count;
-    word = (word & 0x0F0F0F0F0F0F0F0F) * 2561 >> 8;
+    word = word * 2561 >> 8;
     word = (word & 0x00FF00FF00FF00FF) * 6553601 >> 16;
     value = (word & 0x0000FFFF0000FFFF) * 42949672960001 >> 32;
     return count;
@@ -86,7 +86,7 @@ public:
     Element read()
     {
         Element root;
-        char const* text = text_.size() < reach ? copyOfRest(text_.data()) : text_.data();
+        char const* text = text_.size() <= roomForRest ? copyOfRest(text_.data()) : text_.data();
         text = readValue(toNextPart(text), root);
         while (depth_ != 0)
             text = top()->object ? readMembers(text) : readItems(text);
@@ -130,9 +130,11 @@ private:
     // ---- reach
 
     // The next parts of a text are mostly short, so that most code would rather not ask for the end with
-    // every byte. A comma, a short name, a colon and a short string, of which a block is looked at, take up
-    // to 36 bytes: a place is secured when these may be read from it on.
+    // every byte. A comma, a short name, a colon, and a block of a string or the digits of an integer take up
+    // to 40 bytes: a place is secured when these may be read from it on.
     static constexpr std::size_t reach = 64;
+    // A short text is copied as a whole: what has just been copied is slow to be read at once.
+    static constexpr std::size_t roomForRest = 4 * reach;
 
     /// The same place, in the text or in a copy of its rest with zeros behind it: in any case one from which
     /// on `reach` bytes may be read. A zero is where no part of a text begins or goes on.
@@ -143,9 +145,9 @@ private:
 
     [[gnu::noinline]] char const* copyOfRest(char const* text)
     {
-        std::fill(std::begin(rest_), std::end(rest_), '\0');
-        end_ = std::copy(text, end_, rest_);
-        lastInReach_ = rest_ + reach;
+        char* const end = std::copy(text, end_, rest_);
+        std::memset(end, 0, reach);
+        end_ = lastInReach_ = end;
         return rest_;
     }
 
@@ -270,35 +272,44 @@ private:
     }
 
     /// Reads a value; a container only as far as it is clear whether there is something in it. What is most
-    /// frequent and needs no call stands here, the rest in readAnyValue.
+    /// frequent and needs no call stands here.
     char const* readValue(char const* text, Element& node)
     {
         if (*text == '"') {
-            if (std::size_t const size = shortString(text); size != notShort) {
-                TreeAccess::setString(node, Characters::shortIn(text + 1, size));
-                return text + size + 2;
-            }
-        } else if (char const* const behind = readDigit(text, node)) {
-            return behind;
+            std::size_t const size = shortString(text);
+            if (size == notShort)
+                return readLongString(text, node);
+            TreeAccess::setString(node, Characters::shortIn(text + 1, size));
+            return text + size + 2;
         }
-        return readAnyValue(text, node);
+        if (isDigit(*text) || *text == '-') {
+            char const* const behind = readDigit(text, node);
+            return behind != nullptr ? behind : readLongNumber(text, node);
+        }
+        return readOther(text, node);
     }
 
-    [[gnu::noinline]] char const* readAnyValue(char const* text, Element& node)
+    [[gnu::noinline]] char const* readLongString(char const* text, Element& node)
     {
-        if (text == end_)
-            fail(text, "expected a value");
+        std::string_view content;
+        text = readString(text, content);
+        TreeAccess::setString(node, content);
+        return text;
+    }
+
+    [[gnu::noinline]] char const* readLongNumber(char const* text, Element& node) const
+    {
+        return readNumber(text, node);
+    }
+
+    /// Reads any value but a string or a number.
+    [[gnu::noinline]] char const* readOther(char const* text, Element& node)
+    {
         switch (*text) {
         case '{':
             return beginObject(text, node);
         case '[':
             return beginArray(text, node);
-        case '"': {
-            std::string_view content;
-            text = readString(text, content);
-            TreeAccess::setString(node, content);
-            return text;
-        }
         case 't':
             text = readWord(text, "true");
             TreeAccess::setBoolean(node, true);
@@ -310,7 +321,7 @@ private:
         case 'n':
             return readWord(text, "null");
         default:
-            return readNumber(text, node);
+            fail(text, "expected a value");
         }
     }
 
@@ -575,10 +586,13 @@ private:
         char const* const whole = start + (negative ? 1 : 0);
         char const* text = whole;
         std::uint64_t digits = 0;
-        if (!addDigits(text, digits) || text == whole || (*whole == '0' && text - whole > 1))
+        // One by one, since before a point and in integers there are mostly few.
+        for (; isDigit(*text) && text - whole < Mantissa::mostDigits; ++text)
+            digits = 10 * digits + static_cast<std::uint64_t>(*text - '0');
+        if (text == whole || (*whole == '0' && text - whole > 1))
             return readAnyNumber(start, node);
         if (*text != '.') {
-            if (text - whole >= Mantissa::mostDigits || *text == 'e' || *text == 'E')
+            if (text - whole == Mantissa::mostDigits || *text == 'e' || *text == 'E')
                 return readAnyNumber(start, node);
             auto const value = static_cast<long long>(digits);
             TreeAccess::setInteger(node, negative ? -value : value);
@@ -709,7 +723,7 @@ private:
     std::string_view const text_;
     char const* end_;
     char const* lastInReach_; // from where on `reach` bytes may be read
-    char rest_[2 * reach];
+    char rest_[roomForRest + reach];
     std::string decoded_;
     Arena arena_;
     Arena* const arenaInUse_;

@@ -8,23 +8,40 @@
 
 namespace Zelk::MetaData::Detail {
 
-/// Less than, equal to or greater than 0 as `a` comes before, is, or comes after `b`, byte by byte.
-[[gnu::always_inline]] inline int compareNames(std::string_view a, std::string_view b) noexcept
+template <typename Word>
+[[gnu::always_inline]] inline Word wordAt(char const* text) noexcept
 {
-    // Most names differ in their first byte, which saves the call that compares the rest.
-    if (!a.empty() && !b.empty() && a.front() != b.front())
-        return static_cast<unsigned char>(a.front()) - static_cast<unsigned char>(b.front());
-    return a.compare(b);
+    Word word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
 }
 
 template <typename Word>
 [[gnu::always_inline]] inline bool haveEqualWord(char const* a, char const* b) noexcept
 {
-    Word wordOfA;
-    Word wordOfB;
-    std::memcpy(&wordOfA, a, sizeof wordOfA);
-    std::memcpy(&wordOfB, b, sizeof wordOfB);
-    return wordOfA == wordOfB;
+    return wordAt<Word>(a) == wordAt<Word>(b);
+}
+
+/// Less than, equal to or greater than 0 as `a` comes before, is, or comes after `b`, byte by byte.
+[[gnu::always_inline]] inline int compareNames(std::string_view a, std::string_view b) noexcept
+{
+    // Most names differ in their first byte, most others in their first word, which saves the call that
+    // compares the rest.
+    if (!a.empty() && !b.empty() && a.front() != b.front())
+        return static_cast<unsigned char>(a.front()) - static_cast<unsigned char>(b.front());
+    using Word = std::uint64_t;
+    if (a.size() >= sizeof(Word) && b.size() >= sizeof(Word)) {
+        Word first = wordAt<Word>(a.data());
+        Word second = wordAt<Word>(b.data());
+        if (first != second) {
+            if constexpr (__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__) {
+                first = __builtin_bswap64(first);
+                second = __builtin_bswap64(second);
+            }
+            return first < second ? -1 : 1;
+        }
+    }
+    return a.compare(b);
 }
 
 /// Whether two names of one size, which is at least that of a Word, begin and end alike; the words may
@@ -47,9 +64,10 @@ template <typename Word>
     if (size >= sizeof(Word)) {
         if (!haveEqualEnds<Word>(a.data(), b.data(), size))
             return false;
-        for (std::size_t i = sizeof(Word); i + sizeof(Word) < size; i += sizeof(Word))
-            if (!haveEqualWord<Word>(a.data() + i, b.data() + i))
-                return false;
+        if (size > 2 * sizeof(Word))
+            for (std::size_t i = sizeof(Word); i + sizeof(Word) < size; i += sizeof(Word))
+                if (!haveEqualWord<Word>(a.data() + i, b.data() + i))
+                    return false;
         return true;
     }
     if (size >= sizeof(std::uint32_t))

@@ -1,3 +1,3 @@
-# file: framework/containers.h
+# file: framework/containers.cpp
 # tests: containers_test
-s/if (&parent == header._M_left)/if (false)/
+s/if (&parent == tree._M_header._M_left)/if (false)/

@@ -241,6 +241,25 @@ TEST(Object, KeepsItsMembersInTheOrderOfTheBytesOfTheirNames)
     }
 }
 
+TEST(Object, OrdersNamesByTheFirstByteThatDiffers)
+{
+    for (std::size_t size = 1; size <= 20; ++size) {
+        for (std::size_t at = 0; at < size; ++at) {
+            std::string const begin(at, 'n');
+            std::string const lower = begin + '\x7f' + std::string(size - at - 1, '\xff');
+            std::string const higher = begin + '\x80' + std::string(size - at - 1, ' ');
+            Object members;
+            members[higher];
+            members[lower];
+            members[begin];
+            std::vector<std::string> names;
+            for (Object::Member const& member : members)
+                names.push_back(member.name());
+            EXPECT_EQ(names, (std::vector<std::string>{begin, lower, higher})) << size << ' ' << at;
+        }
+    }
+}
+
 TEST(Object, IteratesAMemberInsertedLaterFirstWhenItsNameIsLower)
 {
     Object members;
