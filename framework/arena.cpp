@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <new>
+#include <utility>
 
 namespace Zelk::MetaData::Detail {
 
@@ -88,7 +89,27 @@ void releasePiece(void* piece) noexcept
     if (head->chunk == nullptr)
         ::operator delete(head);
     else
-        release(head->chunk, 1);
+        Detail::release(head->chunk, 1);
+}
+
+void PieceReleaser::release(void* piece) noexcept
+{
+    PieceHead* const head = static_cast<PieceHead*>(piece) - 1;
+    if (head->chunk == nullptr) {
+        ::operator delete(head);
+        return;
+    }
+    if (head->chunk != chunk_) {
+        releaseCounted();
+        chunk_ = head->chunk;
+    }
+    ++counted_;
+}
+
+void PieceReleaser::releaseCounted() noexcept
+{
+    if (counted_ != 0)
+        Detail::release(chunk_, std::exchange(counted_, 0));
 }
 
 } // namespace Zelk::MetaData::Detail

@@ -61,4 +61,21 @@ void* allocatePiece(Arena* arena, std::size_t size);
 /// Gives a piece back to where it came from.
 void releasePiece(void* piece) noexcept;
 
+/// Gives many pieces back; those of one chunk that come one after the other at once.
+class PieceReleaser {
+public:
+    PieceReleaser() = default;
+    PieceReleaser(PieceReleaser const&) = delete;
+    PieceReleaser& operator=(PieceReleaser const&) = delete;
+    ~PieceReleaser() { releaseCounted(); }
+
+    void release(void* piece) noexcept;
+
+private:
+    void releaseCounted() noexcept;
+
+    Chunk* chunk_ = nullptr;
+    std::size_t counted_ = 0; // pieces of the chunk
+};
+
 } // namespace Zelk::MetaData::Detail

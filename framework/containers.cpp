@@ -185,25 +185,47 @@ void ArrayStore::growTo(std::size_t count)
     }
 }
 
-void ArrayStore::releaseChunks() noexcept
+void ArrayStore::releaseChunks(PieceReleaser& pieces) noexcept
 {
     while (chunks != 1)
-        releasePiece(places[--chunks]);
+        pieces.release(places[--chunks]);
     if (places != firstPlaces)
-        releasePiece(places);
+        pieces.release(places);
 }
 
 // ---- whole trees
 
-void destroy(StoreHead* pending) noexcept
-{
-    while (pending != nullptr) {
-        StoreHead* const store = pending;
-        pending = store->nextToDestroy;
-        auto const release = [&pending](Element& node) {
-            if (StoreHead* const inner = TreeAccess::release(node)) {
-                inner->nextToDestroy = pending;
-                pending = inner;
+namespace {
+
+/// Destroys a container with all below it, in the order in which a text has them: so they mostly lie in
+/// memory.
+class Destroyer {
+public:
+    void destroy(StoreHead* store) noexcept
+    {
+        destroyOne(store, 0);
+        while (pending_ != nullptr) {
+            StoreHead* const next = pending_;
+            pending_ = next->nextToDestroy;
+            destroyOne(next, 0);
+        }
+    }
+
+private:
+    // What is deeper waits in a list, so that a small stack will do for a tree of any depth.
+    static constexpr int deepest = 16;
+
+    void destroyOne(StoreHead* store, int depth) noexcept
+    {
+        auto const release = [this, depth](Element& node) {
+            StoreHead* const inner = TreeAccess::release(node);
+            if (inner == nullptr)
+                return;
+            if (depth != deepest) {
+                destroyOne(inner, depth + 1);
+            } else {
+                inner->nextToDestroy = pending_;
+                pending_ = inner;
             }
         };
         if (store->object) {
@@ -215,17 +237,28 @@ void destroy(StoreHead* pending) noexcept
             });
             for (SlotBlock* block = object->firstBlock()->next; block != nullptr;) {
                 SlotBlock* const next = block->next;
-                releasePiece(block);
+                pieces_.release(block);
                 block = next;
             }
         } else {
             auto* const array = static_cast<ArrayStore*>(store);
             array->forEachItem(release);
-            array->releaseChunks();
+            array->releaseChunks(pieces_);
             array->~ArrayStore();
         }
-        releasePiece(store);
+        pieces_.release(store);
     }
+
+    StoreHead* pending_ = nullptr;
+    PieceReleaser pieces_;
+};
+
+} // namespace
+
+void destroy(StoreHead* store) noexcept
+{
+    if (store != nullptr)
+        Destroyer().destroy(store);
 }
 
 } // namespace Zelk::MetaData::Detail

@@ -14,7 +14,8 @@
 ///
 /// Slots are taken in the order of insertion and never given back, so the members can be walked block by
 /// block without touching the tree: small objects are searched that way, and whole trees are destroyed that
-/// way, with the stores still to be destroyed in a list threaded through their heads instead of on the stack.
+/// way. What is too deep to be destroyed on the stack waits in a list threaded through the heads of the
+/// stores.
 ///
 /// As long as an object is small its tree is not balanced: each node hangs where it was inserted. Members
 /// that come in the order of their names, as in most texts, make it a row. When it outgrows that size it is
@@ -30,6 +31,7 @@
 #include "framework/names.h"
 
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <string_view>
 
@@ -76,6 +78,14 @@ struct ObjectStore : StoreHead {
     std::size_t size() const noexcept { return tree._M_node_count; }
     Object::const_iterator begin() const noexcept { return Object::const_iterator(tree._M_header._M_left); }
     Object::const_iterator end() const noexcept { return Object::const_iterator(&tree._M_header); }
+
+    /// The member behind another. Stepping needs no call where they hang in a row.
+    static Object::const_iterator next(Object::const_iterator member) noexcept
+    {
+        auto const* const right = member._M_node->_M_right;
+        return right != nullptr && right->_M_left == nullptr ? Object::const_iterator(right)
+                                                             : std::next(member);
+    }
 
     /// The member of that name, or null.
     MemberNode* find(std::string_view name) noexcept
@@ -218,7 +228,7 @@ struct ArrayStore : StoreHead {
     }
 
     /// Frees what stands outside the store.
-    void releaseChunks() noexcept;
+    void releaseChunks(PieceReleaser& pieces) noexcept;
 
     template <typename Visit>
     void forEachItem(Visit visit)
@@ -340,7 +350,7 @@ inline StoreHead* TreeAccess::release(Element& node) noexcept
     }
 }
 
-/// Destroys a container with all below it. Neither allocates nor recurses.
+/// Destroys a container with all below it. Does not allocate, and recurses by a few levels at most.
 void destroy(StoreHead* store) noexcept;
 
 } // namespace Detail

@@ -62,6 +62,9 @@ public:
         return out + length;
     }
 
+    /// Whether there is more text than fits into the block.
+    bool hasOverflowed() const noexcept { return !text_.empty(); }
+
     /// The text, which ends at `out`; it stays here.
     std::string_view view(char* out)
     {
@@ -136,23 +139,35 @@ private:
     Open* at(std::size_t level) noexcept { return reinterpret_cast<Open*>(open_) + level; }
 
     /// Prints the members of the innermost container as far as the first with a container in it, or its end.
-    char* printMembers(char* out)
+    [[gnu::always_inline]] char* printMembers(char* out)
     {
         Open& open = top();
         Object::const_iterator const end = static_cast<ObjectStore*>(open.store)->end();
         std::size_t const level = depth_;
         while (depth_ == level) {
             if (open.index != 0)
-                ++open.member;
+                open.member = ObjectStore::next(open.member);
             if (open.member == end)
                 return close(out, '}');
             if (open.index++ != 0)
                 *out++ = ',';
-            out = printString(out, open.member->name());
+            Object::Member const& member = *open.member;
+            if (buffer_.hasOverflowed())
+                fetchAhead(&member);
+            out = printString(out, member.name());
             *out++ = ':';
-            out = printValue(out, open.member->element());
+            out = printValue(out, member.element());
         }
         return out;
+    }
+
+    /// Asks for the memory two pages behind a member. The tree of a long text does not fit into the caches,
+    /// and mostly lies there in the order of the text; the processor itself does not look beyond a page.
+    static void fetchAhead(Object::Member const* member)
+    {
+        auto const* const ahead = reinterpret_cast<char const*>(member) + 8192;
+        __builtin_prefetch(ahead);
+        __builtin_prefetch(ahead + 64); // a member is longer than a cache line
     }
 
     char* printItems(char* out)
@@ -332,7 +347,7 @@ private:
     }
 
     /// Copies a short string by overlapping wide moves; false when there is a special byte in it.
-    static bool copyPlain(char* out, char const* text, std::size_t size)
+    [[gnu::always_inline]] static bool copyPlain(char* out, char const* text, std::size_t size)
     {
         if (size >= Detail::Block::size)
             return copyBothEnds<Detail::Block>(out, text, size);
