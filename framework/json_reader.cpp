@@ -183,7 +183,7 @@ private:
             if (!comes(text, '"'))
                 fail(text, "expected a member name in quotes");
             Element* node = nullptr;
-            if (std::size_t const size = shortString(text); size != notShort) {
+            if (std::size_t size = 0; isShortString(text, size)) {
                 Object::Member* const member = object.append(Characters::shortIn(text + 1, size));
                 node = member != nullptr ? &TreeAccess::element(*member) : &placeOf(text + 1, size, object);
                 text += size + 2;
@@ -276,8 +276,8 @@ private:
     char const* readValue(char const* text, Element& node)
     {
         if (*text == '"') {
-            std::size_t const size = shortString(text);
-            if (size == notShort)
+            std::size_t size = 0;
+            if (!isShortString(text, size))
                 return readLongString(text, node);
             TreeAccess::setString(node, Characters::shortIn(text + 1, size));
             return text + size + 2;
@@ -376,17 +376,15 @@ private:
 
     // ---- strings
 
-    static constexpr std::size_t notShort = Detail::Block::size;
-
-    /// The size of the string with its opening quote at `text`, which is secured, when it is short and stands
-    /// there as it is.
-    static std::size_t shortString(char const* text)
+    /// Whether the string with its opening quote at `text`, which is secured, is short and stands there as it
+    /// is; gives its size then.
+    static bool isShortString(char const* text, std::size_t& size)
     {
         Detail::Block const block(text + 1);
         if (!block.hasSpecial())
-            return notShort;
-        std::size_t const size = block.firstSpecial();
-        return text[1 + size] == '"' ? size : notShort;
+            return false;
+        size = block.firstSpecial();
+        return text[1 + size] == '"';
     }
 
     /// Reads any string from its opening quote on. The content is good until the next string is read.
