@@ -85,11 +85,7 @@ void* allocatePiece(Arena* arena, std::size_t size)
 
 void releasePiece(void* piece) noexcept
 {
-    PieceHead* const head = static_cast<PieceHead*>(piece) - 1;
-    if (head->chunk == nullptr)
-        ::operator delete(head);
-    else
-        Detail::release(head->chunk, 1);
+    PieceReleaser().release(piece);
 }
 
 void PieceReleaser::release(void* piece) noexcept

@@ -197,7 +197,7 @@ TEST(DeepTree, IsDestroyedWithoutMemory)
     onSmallStack([] {
         std::ptrdiff_t const before = livePieces();
         {
-            Element objects = deepObjects(objectLevels);
+            Element objects = deepObjects(arrayLevels);
             Element arrays = deepArrays(arrayLevels);
             Element mixed = deepMixed(arrayLevels);
             Element replaced = deepObjects(arrayLevels);
@@ -223,7 +223,7 @@ TEST(DeepTree, FailsToCopyWithoutMemoryAndStaysWhole)
     onSmallStack([] {
         std::ptrdiff_t const before = livePieces();
         {
-            Element const objects = deepObjects(objectLevels);
+            Element const objects = deepObjects(arrayLevels);
             Element const arrays = deepArrays(arrayLevels);
             Element const mixed = deepMixed(arrayLevels);
             Element target(Trivial_T<std::string>("the former text of the target"));
@@ -244,7 +244,7 @@ TEST(DeepTree, FailsToCopyWithoutMemoryAndStaysWhole)
                         EXPECT_EQ(target.asString(), "the former text of the target");
                         EXPECT_EQ(livePieces(), live);
                     }
-            EXPECT_EQ(depthOf(objects), objectLevels);
+            EXPECT_EQ(depthOf(objects), arrayLevels);
             EXPECT_EQ(depthOf(arrays), arrayLevels);
         }
         EXPECT_EQ(livePieces(), before);
