@@ -100,7 +100,7 @@ TEST(MemoryLimit, HoldsTextsOfAnyLengthForSeveralThreads)
     for (int i = 0; i < 12; ++i)
         input += "{\"clientname\":\"" + std::string(std::size_t{12} << 20, 'x') + "\",\"commandid\":0}\n";
     for (char const* const jobs : {"1", "2", "8"}) {
-        Result const result = withLimit({"check", "-j", jobs}, "160M", input);
+        Result const result = withLimit({"check", "-j", jobs}, "144M", input);
         EXPECT_EQ(result.status, 0) << jobs;
         EXPECT_EQ(result.out, "12 messages: 12 fine, 0 refused, 0 different when written again\n");
     }

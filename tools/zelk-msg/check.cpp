@@ -155,7 +155,7 @@ void checkInParallel(TextSource& source, Checker const& checker, unsigned int jo
 {
     Progress progress(source.name(), source.size());
     processBatches<Report>(
-        source, jobs,
+        source, jobs, longestText() / 4,
         [&](std::vector<Text> const& texts) {
             Report report;
             for (Text const& text : texts)

@@ -2,7 +2,6 @@
 
 #include "tools/zelk-msg/trouble.h"
 
-#include <new>
 #include <system_error>
 
 namespace ZelkMsg {
@@ -15,20 +14,25 @@ constexpr std::size_t batchSize = 256 * 1024;
 
 bool TextBatch::fill(TextSource& source)
 {
-    bytes_.clear();
-    spans_.clear();
-    Text text;
-    while (bytes_.size() < batchSize && source.next(text)) {
-        std::size_t const offset = bytes_.size();
+    while (bytes_.size() < batchSize && (hasNext_ || source.next(next_))) {
+        hasNext_ = true;
+        spans_.push_back({bytes_.size(), next_});
         try {
-            bytes_ += text.bytes;
-        } catch (std::bad_alloc const&) {
-            text.bytes = {};
-            text.problem = "needs more memory than the limit";
+            bytes_ += next_.bytes;
+        } catch (...) {
+            spans_.pop_back();
+            throw;
         }
-        spans_.push_back({offset, text});
+        hasNext_ = false;
     }
     return !spans_.empty();
+}
+
+bool TextBatch::refuseNext()
+{
+    next_.bytes = {};
+    next_.problem = "needs more memory than the limit";
+    return hasNext_;
 }
 
 std::vector<Text> TextBatch::texts() const

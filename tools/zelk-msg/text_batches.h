@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <shared_mutex>
 #include <string>
 #include <thread>
@@ -20,8 +21,12 @@ namespace ZelkMsg {
 /// Texts with the memory that they stand in.
 class TextBatch {
 public:
-    /// Takes as many texts as make up a batch; false when there are none left.
+    /// Takes as many texts as make up a batch; false when there are none at all. Throws std::bad_alloc, and
+    /// can go on from there when it is called again.
     bool fill(TextSource& source);
+    /// Makes a text for which there was no memory one that is refused for that; false when it was the source
+    /// that had not enough.
+    bool refuseNext();
     /// The texts, valid as long as the batch is not filled again.
     std::vector<Text> texts() const;
     /// Bytes of all the texts.
@@ -34,10 +39,9 @@ private:
     };
     std::string bytes_;
     std::vector<Span> spans_;
+    Text next_; // from the source, but not here yet
+    bool hasNext_ = false;
 };
-
-/// Bytes of texts that may wait to be processed; a longer one is processed alone.
-constexpr std::size_t mostBytes = std::size_t{16} << 20;
 
 /// Adds `count` threads that run `work`, or fewer where the system allows no more. Throws Trouble when it
 /// allows none.
@@ -45,11 +49,13 @@ void startThreads(std::vector<std::thread>& threads, unsigned int count, std::fu
 
 /// Reads the source in batches, lets `jobs` threads turn each into a Result by `process`, and hands the
 /// results to `deliver` in the order of the batches, on the calling thread. Memory stays bounded: only a few
-/// batches are under way at a time, and only one when its texts are long. A Result whose `outOfMemory` is set
-/// may be so because of what other threads took; its batch is processed again alone. An exception of
-/// `process` or of the source is thrown on, that of the source after the results of all that was read before.
+/// batches are under way at a time, of `mostBytes` bytes of text, or one that is longer. When there is not
+/// enough for a batch, that may be because of what other threads took: a Result whose `outOfMemory` is set,
+/// or std::bad_alloc, has it processed again alone, and one that cannot be read waits until the others are
+/// done. An exception of `process` or of the source is thrown on, that of the source after the results of all
+/// that was read before.
 template <typename Result>
-void processBatches(TextSource& source, unsigned int jobs,
+void processBatches(TextSource& source, unsigned int jobs, std::size_t mostBytes,
                     std::function<Result(std::vector<Text> const&)> const& process,
                     std::function<void(Result const&)> const& deliver)
 {
@@ -67,13 +73,18 @@ void processBatches(TextSource& source, unsigned int jobs,
     bool ended = false;
     std::shared_mutex memory;
 
+    auto const processWithOthers = [&](Work& work) {
+        std::shared_lock<std::shared_mutex> const with_others(memory);
+        try {
+            work.result = process(work.batch.texts());
+            return !work.result.outOfMemory;
+        } catch (std::bad_alloc const&) {
+            return false;
+        }
+    };
     auto const processOne = [&](Work& work) {
         try {
-            {
-                std::shared_lock<std::shared_mutex> const with_others(memory);
-                work.result = process(work.batch.texts());
-            }
-            if (work.result.outOfMemory) {
+            if (!processWithOthers(work)) {
                 std::unique_lock<std::shared_mutex> const alone(memory);
                 work.result = process(work.batch.texts());
             }
@@ -121,17 +132,30 @@ void processBatches(TextSource& source, unsigned int jobs,
             std::rethrow_exception(first->failure);
         deliver(first->result);
     };
-    try {
-        startThreads(threads, jobs, worker);
-        std::exception_ptr unreadable;
-        while (!unreadable) {
-            auto work = std::make_unique<Work>();
+    std::exception_ptr unreadable;
+    auto const fill = [&](TextBatch& batch) {
+        for (;;) {
             try {
-                if (!work->batch.fill(source))
-                    break;
+                return batch.fill(source);
+            } catch (std::bad_alloc const&) {
+                if (under_way.empty() && !batch.refuseNext()) {
+                    unreadable = std::current_exception();
+                    return true;
+                }
             } catch (...) {
                 unreadable = std::current_exception(); // after what was read before it
+                return true;
             }
+            if (!under_way.empty())
+                deliverFirst();
+        }
+    };
+    try {
+        startThreads(threads, jobs, worker);
+        while (!unreadable) {
+            auto work = std::make_unique<Work>();
+            if (!fill(work->batch))
+                break;
             {
                 std::lock_guard<std::mutex> const lock(mutex);
                 bytes += work->batch.size();
