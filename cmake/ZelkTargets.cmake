@@ -44,10 +44,10 @@ function(zelk_library target export_name)
     target_include_directories(${target} BEFORE PUBLIC $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/siblings>)
   endif()
   target_link_libraries(${target} PUBLIC ${arg_LINK})
-  # Calls inside a library are direct, calls into another skip the lazy-binding stub. Functions begin where the
-  # processor fetches, or else their speed would depend on what happens to stand before them.
+  # Calls inside a library are direct, calls into another skip the lazy-binding stub. Functions begin with a
+  # cache line, or else their speed would depend on what happens to stand before them.
   target_compile_options(${target} PRIVATE
-    -fno-semantic-interposition -fno-plt -ffunction-sections -falign-functions=32)
+    -fno-semantic-interposition -fno-plt -ffunction-sections -falign-functions=64)
   # Short strings of known length, as all keys are, are made in place instead of by a call, as with -O3, which would
   # make the libraries a fifth larger.
   target_compile_options(${target} PRIVATE
